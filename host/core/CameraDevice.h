@@ -1,0 +1,81 @@
+#pragma once
+
+#include "zuCore/ZuApi.h"
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+/// One value of an enumerated parameter.
+struct ParameterChoice
+{
+    std::string name;
+    std::int64_t value = 0;
+};
+
+/// What a user interface needs to show and edit a parameter.
+struct ParameterDescription
+{
+    std::string name;
+    std::string group;
+    std::string unit;         ///< "MB/s", "px", ...; empty where none fits
+    std::int64_t minimum = 0; ///< of plain numbers
+    std::int64_t maximum = 0;
+    bool writable = true;
+    std::vector<ParameterChoice> choices; ///< not empty: the only values it takes
+};
+
+struct DeviceInfo
+{
+    std::string id; ///< unique among all devices and the same each time the device is plugged in
+    std::string modelName;
+    std::string serialNumber;
+    std::string userId;
+};
+
+/// One camera of a back end.
+///
+/// All operations may be called from any thread, a capture at the same time as
+/// any other. None throws. A device that was unplugged fails every call (a
+/// capture after its time-out) until it is plugged in again.
+class CameraDevice
+{
+public:
+    virtual ~CameraDevice() = default;
+
+    virtual DeviceInfo info() const = 0;
+    virtual bool isConnected() const = 0;
+    /// How often the device was plugged in. Tells a device that stayed from one
+    /// that went and came back between two looks, closed and with default values.
+    virtual unsigned int connectionCount() const { return 1; }
+
+    virtual bool open() = 0;
+    /// Stops streaming, too.
+    virtual void close() = 0;
+
+    /// The parameters a user may see, in the order in which to show them.
+    virtual std::vector<ParameterDescription> parameters() const = 0;
+
+    virtual bool readParameter(std::string_view name, std::int64_t &value) = 0;
+    virtual bool readMaximum(std::string_view name, std::int64_t &value) = 0;
+    virtual bool writeParameter(std::string_view name, std::int64_t value) = 0;
+    /// Whether a write of `value` would be accepted now; changes nothing.
+    virtual bool isSettable(std::string_view name, std::int64_t value) = 0;
+
+    virtual bool startAcquisition() = 0;
+    /// Ends a capture that waits on another thread.
+    virtual bool stopAcquisition() = 0;
+
+    /// Fills the record with the next frame. The data stay valid until the next
+    /// capture or until streaming stops. Fails once `timeout` has passed without
+    /// a frame, and not before unless a frame arrived damaged or streaming was
+    /// stopped meanwhile: a caller that tries again at once must not spin.
+    virtual bool captureImage(std::chrono::milliseconds timeout, ZU_IMG &image) = 0;
+};
+
+} // namespace host
