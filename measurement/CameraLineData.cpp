@@ -1,0 +1,101 @@
+#include "measurement/CameraLineData.h"
+
+#include "measurement/AcquisitionThread.h"
+#include "measurement/RaceCheck.h"
+
+#include <QMutexLocker>
+
+namespace {
+
+template <typename T> void freeArray(T *&array)
+{
+    delete[] array;
+    array = nullptr;
+}
+
+} // namespace
+
+CxCameraLineData::CxFrameData::~CxFrameData()
+{
+    delete[] samples;
+}
+
+qint64 CxCameraLineData::CxFrameData::frameTimestamp(ExTimestampOrigin origin) const
+{
+    return origin == TimestampOriginComputer ? computerTimestamp : cameraTimestamp;
+}
+
+qint64 CxCameraLineData::CxCounterData::frameTimestamp(ExTimestampOrigin origin) const
+{
+    return origin == TimestampOriginComputer ? computerTimestamp : cameraTimestamp;
+}
+
+CxCameraLineData::CxCounterInfo::CxCounterInfo(ZU_COUNTER_SELECTOR counter, const QString &displayName)
+    : selector(counter)
+    , name(displayName)
+{
+    measurement::exemptFromRaceCheck(value);
+}
+
+CxCameraLineData::CxCameraLineData()
+{
+    measurement::exemptFromRaceCheck(running);
+    measurement::exemptFromRaceCheck(stopRequested);
+
+    counterInfos.append(new CxCounterInfo(ZU_CNT_SEL_TRANSPORT_SKIP, QStringLiteral("Transport skip")));
+    counterInfos.append(new CxCounterInfo(ZU_CNT_SEL_API_SKIP, QStringLiteral("API skip")));
+    counterInfos.append(new CxCounterInfo(ZU_CNT_SEL_TRANSFERRED, QStringLiteral("Transferred")));
+    counterInfos.append(
+        new CxCounterInfo(ZU_CNT_SEL_MISSED_TRG_OVERLAP, QStringLiteral("Missed trg. overlap")));
+    counterInfos.append(
+        new CxCounterInfo(ZU_CNT_SEL_MISSED_TRG_OVERFLOW, QStringLiteral("Missed trg overflow")));
+    counterInfos.append(new CxCounterInfo(ZU_CNT_SEL_BUFFER_OVERFLOW, QStringLiteral("Buffer overflow")));
+}
+
+CxCameraLineData::~CxCameraLineData()
+{
+    if (acquisitionThread) {
+        acquisitionThread->quit();
+        acquisitionThread->wait();
+        delete acquisitionThread;
+    }
+    clearData();
+    qDeleteAll(counterInfos);
+}
+
+void CxCameraLineData::clearData()
+{
+    qDeleteAll(frames);
+    frames.clear();
+    qDeleteAll(counterData);
+    counterData.clear();
+
+    freeArray(linkSpeedBuf);
+    freeArray(bufferDeltaBuf);
+    freeArray(sampleTimeBuf);
+    calcBufSize = 0;
+}
+
+bool CxCameraLineData::AllocateBuffers(unsigned int count)
+{
+    if (measureMode != MeasureModeThroughput || count == calcBufSize)
+        return true;
+
+    freeArray(linkSpeedBuf);
+    freeArray(bufferDeltaBuf);
+    freeArray(sampleTimeBuf);
+    // An allocation below may throw; the size must not promise what is gone.
+    calcBufSize = 0;
+
+    linkSpeedBuf = new double[count];
+    bufferDeltaBuf = new double[count];
+    sampleTimeBuf = new quint64[count];
+    calcBufSize = count;
+    return true;
+}
+
+bool CxCameraLineData::isMeasurementRunning()
+{
+    const QMutexLocker locker(&mutex);
+    return running.load();
+}

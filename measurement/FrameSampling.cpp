@@ -1,0 +1,45 @@
+#include "measurement/FrameSampling.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace measurement {
+
+SamplePlan planSamples(std::uint32_t width, std::uint32_t height, std::uint32_t sampleInterval)
+{
+    SamplePlan plan;
+    std::uint32_t words = frameWords(width, height);
+    std::size_t bytes = frameBytes(width, height);
+    if (words >= largeFrameWords) {
+        plan.firstByte = skippedWords * bytesPerWord;
+        words -= skippedWords;
+        bytes -= plan.firstByte;
+    }
+
+    const std::uint32_t wordsPerStep = sampleInterval / static_cast<std::uint32_t>(bytesPerWord);
+    if (wordsPerStep == 0 || bytes < bytesPerWord)
+        return plan;
+    plan.stride = sampleInterval;
+    // The count goes by whole words, the stride by bytes: with an interval that
+    // is no multiple of a word the last ones could lie behind the frame's end.
+    const std::size_t inside = (bytes - bytesPerWord) / plan.stride + 1;
+    plan.count = std::min<std::size_t>(words / wordsPerStep, inside);
+    return plan;
+}
+
+void gatherSamples(const std::byte *frame, const SamplePlan &plan, std::span<Stamp> samples)
+{
+    const std::byte *word = frame + plan.firstByte;
+    const std::size_t stride = plan.stride;
+    for (Stamp &sample : samples.first(plan.count)) {
+        std::memcpy(&sample, word, bytesPerWord);
+        word += stride;
+    }
+}
+
+std::int64_t stampSpan(std::span<const Stamp> samples)
+{
+    return samples.size() < 2 ? 0 : static_cast<std::int64_t>(samples.back() - samples.front());
+}
+
+} // namespace measurement

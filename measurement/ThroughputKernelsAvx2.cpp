@@ -1,0 +1,213 @@
+#include "measurement/ThroughputKernels.h"
+
+#if defined(__x86_64__)
+
+#include <immintrin.h>
+
+// Set on every function instead of the whole file, so that nothing else here
+// is compiled for a processor that the program may not run on.
+#define VELMORA_AVX2 __attribute__((target("avx2,fma")))
+#define VELMORA_AVX2_INLINE __attribute__((target("avx2,fma"), always_inline)) inline
+
+namespace measurement::throughput {
+
+namespace {
+
+using Stamp = unsigned long long;
+
+constexpr long long exponentOf2p52 = 0x4330000000000000;
+constexpr double twoTo52 = 4503599627370496.0;
+
+VELMORA_AVX2_INLINE __m256i loadStamps(const Stamp *stamps)
+{
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(stamps));
+}
+
+VELMORA_AVX2_INLINE __m256i intervalsAt(const Stamp *stamps)
+{
+    return _mm256_sub_epi64(loadStamps(stamps + 1), loadStamps(stamps));
+}
+
+/// The double 2^52 + interval: its order is that of the intervals.
+VELMORA_AVX2_INLINE __m256d raised(__m256i intervals)
+{
+    return _mm256_castsi256_pd(_mm256_or_si256(intervals, _mm256_set1_epi64x(exponentOf2p52)));
+}
+
+/// interval / 250, rounded once as a division rounds.
+///
+/// Markstein: with y the double next to 1/b and q within one unit in the last
+/// place of a/b, r = a - bq is exact and q + ry rounds to a/b correctly. Here
+/// y is 0.19 * 2^-53 off in relative terms, which leaves q = ay at most 0.69
+/// units off. No step over- or underflows for whole ticks.
+VELMORA_AVX2_INLINE __m256d microseconds(__m256i intervals)
+{
+    const __m256d reciprocal = _mm256_set1_pd(1.0 / 250.0);
+    const __m256d ticks = _mm256_sub_pd(raised(intervals), _mm256_set1_pd(twoTo52));
+    const __m256d quotient = _mm256_mul_pd(ticks, reciprocal);
+    const __m256d remainder = _mm256_fnmadd_pd(quotient, _mm256_set1_pd(250.0), ticks);
+    return _mm256_fmadd_pd(remainder, reciprocal, quotient);
+}
+
+VELMORA_AVX2_INLINE __m256d levelChanges(const Stamp *stamps, __m256d required, __m256d interval)
+{
+    return _mm256_sub_pd(_mm256_mul_pd(microseconds(intervalsAt(stamps)), required), interval);
+}
+
+VELMORA_AVX2 Extrema extrema(const Stamp *stamps, std::size_t count)
+{
+    __m256i bits = _mm256_setzero_si256();
+    __m256d longest = _mm256_set1_pd(twoTo52);
+    __m256d shortest = _mm256_set1_pd(2 * twoTo52);
+    std::size_t i = 0;
+    for (; i + 4 <= count; i += 4) {
+        const __m256i intervals = intervalsAt(stamps + i);
+        bits = _mm256_or_si256(bits, intervals);
+        longest = _mm256_max_pd(longest, raised(intervals));
+        shortest = _mm256_min_pd(shortest, raised(intervals));
+    }
+    // An interval of 2^52 ticks or more has spoilt the doubles.
+    if (!_mm256_testz_si256(bits, _mm256_set1_epi64x(static_cast<long long>(~longestPlainInterval))))
+        return portableKernels().extrema(stamps, count);
+
+    alignas(32) double longestOf[4];
+    alignas(32) double shortestOf[4];
+    _mm256_store_pd(longestOf, longest);
+    _mm256_store_pd(shortestOf, shortest);
+    Extrema result = {0, ~0ULL};
+    for (int lane = 0; lane < 4 && i > 0; ++lane) {
+        const Stamp most = static_cast<Stamp>(longestOf[lane] - twoTo52);
+        const Stamp least = static_cast<Stamp>(shortestOf[lane] - twoTo52);
+        result.longest = most > result.longest ? most : result.longest;
+        result.shortest = least < result.shortest ? least : result.shortest;
+    }
+    for (; i < count; ++i) {
+        const Stamp interval = stamps[i + 1] - stamps[i];
+        result.longest = interval > result.longest ? interval : result.longest;
+        result.shortest = interval < result.shortest ? interval : result.shortest;
+    }
+    return result;
+}
+
+/// One interval of a level that may meet an end of the buffer, without branches.
+VELMORA_AVX2_INLINE __m128d step(__m128d level, double change, __m128d size, __m128d &highest)
+{
+    level = _mm_add_sd(level, _mm_set_sd(change));
+    highest = _mm_max_sd(highest, level);
+    return _mm_min_sd(_mm_max_sd(level, _mm_setzero_pd()), size);
+}
+
+/// The changes of eight intervals at a time, the level one by one.
+VELMORA_AVX2 double scan(const Stamp *stamps, std::size_t count, const LevelRule &rule, const FreeRange &free,
+                         double level, double &peak)
+{
+    static_assert(scanGroup == 8, "two registers of changes");
+    const __m256d required = _mm256_set1_pd(rule.required);
+    const __m256d interval = _mm256_set1_pd(rule.interval);
+    const __m128d size = _mm_set_sd(rule.size);
+    __m128d highest = _mm_set_sd(peak);
+    std::size_t i = 0;
+    for (; i + scanGroup <= count; i += scanGroup) {
+        alignas(32) double changes[scanGroup];
+        _mm256_store_pd(changes, levelChanges(stamps + i, required, interval));
+        _mm256_store_pd(changes + 4, levelChanges(stamps + i + 4, required, interval));
+        if (level > free.above && level < free.below) {
+            // Levels first, their maximum after: a maximum takes longer than a
+            // sum, so one a step would set the pace.
+            for (double &change : changes) {
+                level += change;
+                change = level;
+            }
+            const __m256d four = _mm256_max_pd(_mm256_load_pd(changes), _mm256_load_pd(changes + 4));
+            const __m128d two = _mm_max_pd(_mm256_castpd256_pd128(four), _mm256_extractf128_pd(four, 1));
+            highest = _mm_max_sd(highest, _mm_max_sd(two, _mm_unpackhi_pd(two, two)));
+        } else if (level < free.below) {
+            // Only the lower end is near; the upper one need not lengthen the chain.
+            __m128d clamped = _mm_set_sd(level);
+            for (const double change : changes) {
+                clamped = _mm_max_sd(_mm_add_sd(clamped, _mm_set_sd(change)), _mm_setzero_pd());
+                highest = _mm_max_sd(highest, clamped);
+            }
+            level = _mm_cvtsd_f64(clamped);
+        } else {
+            __m128d clamped = _mm_set_sd(level);
+            for (const double change : changes)
+                clamped = step(clamped, change, size, highest);
+            level = _mm_cvtsd_f64(clamped);
+        }
+    }
+    peak = _mm_cvtsd_f64(highest);
+    return i < count ? portableKernels().scan(stamps + i, count - i, rule, free, level, peak) : level;
+}
+
+/// Four lanes, four intervals each: lane k of change[i] is frame k's interval i.
+VELMORA_AVX2_INLINE void transpose(__m256d (&change)[4])
+{
+    const __m256d low01 = _mm256_unpacklo_pd(change[0], change[1]);
+    const __m256d high01 = _mm256_unpackhi_pd(change[0], change[1]);
+    const __m256d low23 = _mm256_unpacklo_pd(change[2], change[3]);
+    const __m256d high23 = _mm256_unpackhi_pd(change[2], change[3]);
+    change[0] = _mm256_permute2f128_pd(low01, low23, 0x20);
+    change[1] = _mm256_permute2f128_pd(high01, high23, 0x20);
+    change[2] = _mm256_permute2f128_pd(low01, low23, 0x31);
+    change[3] = _mm256_permute2f128_pd(high01, high23, 0x31);
+}
+
+VELMORA_AVX2 void scanLanes(const Stamp *const *stamps, std::size_t count, const LevelRule &rule,
+                            double *levels, double *peaks)
+{
+    static_assert(laneCount == 8, "two registers of four frames");
+    const __m256d required = _mm256_set1_pd(rule.required);
+    const __m256d interval = _mm256_set1_pd(rule.interval);
+    const __m256d size = _mm256_set1_pd(rule.size);
+    const __m256d zero = _mm256_setzero_pd();
+    __m256d level[2] = {_mm256_loadu_pd(levels), _mm256_loadu_pd(levels + 4)};
+    __m256d highest[2] = {_mm256_loadu_pd(peaks), _mm256_loadu_pd(peaks + 4)};
+
+    std::size_t i = 0;
+    for (; i + 4 <= count; i += 4) {
+        for (std::size_t half = 0; half < 2; ++half) {
+            __m256d change[4];
+            for (std::size_t lane = 0; lane < 4; ++lane)
+                change[lane] = levelChanges(stamps[half * 4 + lane] + i, required, interval);
+            transpose(change);
+            for (const __m256d &step : change) {
+                level[half] = _mm256_add_pd(level[half], step);
+                highest[half] = _mm256_max_pd(highest[half], level[half]);
+                level[half] = _mm256_min_pd(_mm256_max_pd(level[half], zero), size);
+            }
+        }
+    }
+    for (std::size_t half = 0; half < 2; ++half) {
+        _mm256_storeu_pd(levels + half * 4, level[half]);
+        _mm256_storeu_pd(peaks + half * 4, highest[half]);
+    }
+    constexpr FreeRange neverFree = {0.0, 0.0};
+    for (std::size_t lane = 0; lane < laneCount && i < count; ++lane)
+        levels[lane] =
+            portableKernels().scan(stamps[lane] + i, count - i, rule, neverFree, levels[lane], peaks[lane]);
+}
+
+} // namespace
+
+const Kernels *avx2Kernels()
+{
+    static constexpr Kernels kernels = {extrema, scan, scanLanes, 3};
+    static const bool usable = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
+    return usable ? &kernels : nullptr;
+}
+
+} // namespace measurement::throughput
+
+#else
+
+namespace measurement::throughput {
+
+const Kernels *avx2Kernels()
+{
+    return nullptr;
+}
+
+} // namespace measurement::throughput
+
+#endif

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "measurement/ThroughputKernels.h"
+
+#include <QtGlobal>
+
+#include <cstddef>
+
+/// The throughput model: what the link carried, how full that leaves the
+/// camera's frame buffer, and the few numbers and points the user sees of it.
+///
+/// Stamps count ticks of 4 ns and are compared as unsigned numbers. Frame times
+/// are microseconds, speeds bytes a microsecond (MB/s), levels bytes or percent
+/// of the buffer. Nothing here knows how frames are stored, locks or allocates.
+namespace measurement::throughput {
+
+/// One stored frame.
+struct Frame
+{
+    qint64 timestamp = 0;             ///< of its first stamp, microseconds
+    const quint64 *stamps = nullptr;  ///< 4-ns ticks; may be null
+    quint64 count = 0;                ///< of stamps
+    qint64 span = 0;                  ///< last stamp minus first, ticks
+    const Extrema *extrema = nullptr; ///< of each blockLength intervals where known already, or null
+};
+
+/// The stored frames, oldest first.
+class FrameSource
+{
+public:
+    virtual ~FrameSource() = default;
+    virtual std::size_t size() const = 0;
+    virtual Frame at(std::size_t index) const = 0;
+};
+
+/// Takes the points of the graphs, in the order of the pass.
+class PointSink
+{
+public:
+    virtual ~PointSink() = default;
+    /// \param time microseconds relative to the window's end, at most 0
+    /// \param minSpeed lowest speed above 0 since the point before, MB/s; the
+    /// largest double where there was none
+    /// \param maxLevel highest level since the point before or the start of the
+    /// frame, whichever is later, percent
+    virtual void addPoint(qint64 time, double minSpeed, double maxLevel) = 0;
+};
+
+struct Settings
+{
+    quint32 sampleInterval = 0; ///< bytes between two stamps
+    qint32 requiredMBps = 0;    ///< what the sensor produces
+    quint64 bufferSize = 0;     ///< bytes
+    double meanSpan = 0.0;      ///< mean time from a frame's first stamp to its last, microseconds
+    qint64 from = 0;            ///< visible window, microseconds
+    qint64 to = 0;
+    double msPerPixel = 0.0;       ///< width of a pixel column, milliseconds
+    bool resetBufferLevel = false; ///< every frame starts with an empty buffer
+};
+
+/// The frames that take part in a pass: those of the visible window and of a
+/// margin on both sides, in which the level builds up.
+struct FrameRange
+{
+    std::size_t begin = 0;
+    std::size_t end = 0;   ///< one past the last
+    quint64 intervals = 0; ///< the most that one of them, or the first stored frame, can have
+};
+
+FrameRange selectFrames(const FrameSource &frames, const Settings &settings);
+
+/// Working memory of a pass: three arrays of `capacity` elements, at least
+/// FrameRange::intervals.
+struct Scratch
+{
+    double *speeds = nullptr;
+    double *deltas = nullptr;
+    quint64 *times = nullptr;
+    quint64 capacity = 0;
+};
+
+struct Statistics
+{
+    double avgThroughput = 0.0;      ///< MB/s, mean of the frames' mean rates
+    double minThroughput = 0.0;      ///< MB/s; the largest double when no interval was seen
+    double maxBufferLevel = 0.0;     ///< percent
+    quint64 bufferOverflowCount = 0; ///< frames in which the level passed the buffer's size
+};
+
+/// Walks the selected frames. Every statistic and point has exactly the bits
+/// that evaluating each interval on its own in double precision gives.
+///
+/// \param sink null: statistics only
+/// \param statistics in and out: the average stays as it was when no frame takes part
+/// \param kernels inner loops; all sets give the same results
+/// \return whether at least one frame took part
+bool evaluate(const FrameSource &frames, const FrameRange &range, const Settings &settings,
+              const Scratch &scratch, PointSink *sink, Statistics &statistics,
+              const Kernels &kernels = bestKernels());
+
+/// Speed, buffer change and end time of each interval of one frame; intervals
+/// between equal stamps are left out.
+/// \param speeds MB/s; \param deltas bytes, positive where the buffer fills;
+/// \param times whole microseconds since the first stamp. Each holds count - 1
+/// entries or is null.
+/// \return the number of entries
+unsigned int frameSpeeds(const quint64 *stamps, quint64 count, quint32 sampleInterval, qint32 requiredMBps,
+                         double *speeds, double *deltas, quint64 *times);
+
+} // namespace measurement::throughput
