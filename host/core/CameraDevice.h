@@ -42,20 +42,26 @@ struct DeviceInfo
 ///
 /// All operations may be called from any thread, a capture at the same time as
 /// any other. None throws. A device that was unplugged fails every call (a
-/// capture after its time-out) until it is plugged in again.
+/// capture after its time-out) until it is plugged in again. Whichever thread
+/// used the device last destroys it.
 class CameraDevice
 {
 public:
+    /// Numbers the openings of a device from 1; 0: none.
+    using Opening = unsigned int;
+
     virtual ~CameraDevice() = default;
 
     virtual DeviceInfo info() const = 0;
     virtual bool isConnected() const = 0;
     /// How often the device was plugged in. Tells a device that stayed from one
     /// that went and came back between two looks, closed and with default values.
-    virtual unsigned int connectionCount() const { return 1; }
+    virtual unsigned int connectionCount() const = 0;
 
-    virtual bool open() = 0;
-    /// Stops streaming, too.
+    /// 0 when the device refuses. No number comes twice.
+    virtual Opening open() = 0;
+    /// Stops streaming, too, and ends captures that wait on other threads: they
+    /// fail. The latter also on a device that was unplugged or has come back.
     virtual void close() = 0;
 
     /// The parameters a user may see, in the order in which to show them.
@@ -75,7 +81,9 @@ public:
     /// capture or until streaming stops. Fails once `timeout` has passed without
     /// a frame, and not before unless a frame arrived damaged or streaming was
     /// stopped meanwhile: a caller that tries again at once must not spin.
-    virtual bool captureImage(std::chrono::milliseconds timeout, ZU_IMG &image) = 0;
+    /// \param opening whose frames are meant. A capture that comes or wakes up
+    /// after the device was opened anew fails at once and takes no frame.
+    virtual bool captureImage(Opening opening, std::chrono::milliseconds timeout, ZU_IMG &image) = 0;
 };
 
 } // namespace host

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/core/CameraSession.h"
+#include "host/core/CameraRegistry.h"
 #include "zuCore/CxCameraManager.h"
 #include "zuCore/CxCameraParameters.h"
 
@@ -13,7 +13,8 @@ struct Q_DECL_HIDDEN CxCameraManager::Private
 {
     struct Camera
     {
-        host::CameraSession *session = nullptr; ///< valid until its handle is removed
+        // In this order: the parameters use the session to their end.
+        host::CameraRegistry::Lease session;
         std::unique_ptr<CxCameraParameters> parameters;
         unsigned int connectionCount = 0; ///< of the device when it was opened
         bool acquiring = false;           ///< the host's own acquisition

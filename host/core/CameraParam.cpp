@@ -24,7 +24,7 @@ QList<CxCameraParam::CxEnumItem> CxCameraParam::enumItems() const
 CxValue CxCameraParam::paramValue() const
 {
     std::int64_t value = 0;
-    const bool ok = d->session->device()->readParameter(d->description.name, value);
+    const bool ok = d->session->read(d->description.name, value);
     return CxValue(ok && std::in_range<int>(value) ? static_cast<int>(value) : 0);
 }
 

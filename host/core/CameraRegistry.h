@@ -13,32 +13,39 @@ namespace host {
 /// Turns handles into open cameras; for all threads. A handle is only ever
 /// compared, so any pointer may be asked for.
 ///
-/// A session whose handle was removed is kept until the calls in progress have
-/// left it, and destroyed on the GUI thread: a device never vanishes under a
-/// capture, nor is it destroyed by the thread of a plug-in.
+/// A session lives as long as anybody uses it, whatever becomes of its handle and
+/// of the program: a device never vanishes under a capture.
 class CameraRegistry
 {
 public:
-    /// A session in use by a call; empty when there was none to be found.
+    /// A share in owning a session; empty when there was none to be found. The
+    /// last one to go destroys the session on its thread.
     class Lease
     {
     public:
         Lease() = default;
-        explicit Lease(CameraSession *session)
-            : m_session(session)
-        {
-        }
         Lease(Lease &&other) noexcept
             : m_session(std::exchange(other.m_session, nullptr))
         {
         }
-        Lease &operator=(Lease &&) = delete;
+        Lease &operator=(Lease &&other) noexcept
+        {
+            std::swap(m_session, other.m_session);
+            return *this;
+        }
         ~Lease();
 
         explicit operator bool() const { return m_session != nullptr; }
         CameraSession *operator->() const { return m_session; }
+        CameraSession &operator*() const { return *m_session; }
 
     private:
+        friend class CameraRegistry;
+        explicit Lease(CameraSession *session)
+            : m_session(session)
+        {
+        }
+
         CameraSession *m_session = nullptr;
     };
 
@@ -47,27 +54,25 @@ public:
     /// Finds the session of an open handle.
     Lease find(ZUCORE_HANDLE handle);
 
-    /// Opens a new handle. The session stays valid until it is removed. GUI
-    /// thread.
-    CameraSession *add(std::shared_ptr<CameraDevice> device);
-    /// Closes the handle for new calls. GUI thread.
+    /// Opens a new handle.
+    Lease add(std::shared_ptr<CameraDevice> device, CameraDevice::Opening opening);
+    /// Closes the handle for new calls.
     void remove(ZUCORE_HANDLE handle);
-    /// Destroys removed sessions that no call uses any more. GUI thread.
-    void releaseRemoved();
 
 private:
     struct Entry
     {
         std::unique_ptr<CameraSession> session;
-        int users = 0;
+        int leases = 0;
         bool open = true;
     };
 
     CameraRegistry() = default;
+    std::unique_ptr<CameraSession> giveBack(ZUCORE_HANDLE handle);
 
-    std::mutex m_mutex; ///< guards all below
-    std::map<ZUCORE_HANDLE, Entry> m_entries;
-    std::uintptr_t m_lastHandle = 0; ///< counts up: no handle comes twice
+    std::mutex m_mutex;                       ///< guards all below
+    std::map<ZUCORE_HANDLE, Entry> m_entries; ///< those with a lease
+    std::uintptr_t m_lastHandle = 0;          ///< counts up: no handle comes twice
 };
 
 } // namespace host

@@ -9,9 +9,12 @@
 
 namespace host {
 
-/// An open camera as all threads share it: the device and who streams from it.
+/// One opening of a camera as all threads share it: the device and who streams
+/// from it. CameraRegistry hands it out.
 ///
-/// All operations may be called from any thread. CameraRegistry owns it.
+/// All operations may be called from any thread. Once the session is closed they
+/// fail and leave the device alone, which may have been opened anew; a capture
+/// fails after its time-out.
 class CameraSession
 {
 public:
@@ -21,11 +24,16 @@ public:
         Client, ///< started through zuApi_StartAcquisition
     };
 
-    CameraSession(ZUCORE_HANDLE handle, std::shared_ptr<CameraDevice> device);
+    /// \param opening of the device, just made
+    CameraSession(ZUCORE_HANDLE handle, std::shared_ptr<CameraDevice> device, CameraDevice::Opening opening);
 
     ZUCORE_HANDLE handle() const { return m_handle; }
+    /// To tell which device it is; what acts on it goes through the session.
     const std::shared_ptr<CameraDevice> &device() const { return m_device; }
 
+    bool read(std::string_view name, std::int64_t &value);
+    bool readMaximum(std::string_view name, std::int64_t &value);
+    bool isSettable(std::string_view name, std::int64_t value);
     /// Writes a parameter. Queues CxCameraManager::imageFormatChanged to the GUI
     /// thread when that changed the image format.
     bool write(std::string_view name, std::int64_t value);
@@ -36,19 +44,26 @@ public:
     /// even when the device reports a failure.
     bool stopStreaming(StreamOwner owner);
 
-    /// Ends streaming, whoever began it, and with it waiting captures; then
-    /// closes the device.
+    bool capture(std::chrono::milliseconds timeout, ZU_IMG &image);
+
+    /// Waits for the operations in progress; then ends streaming, whoever began
+    /// it, and closes the device, which ends waiting captures. Once only.
     void close();
 
 private:
     bool writeImageFormat(std::int64_t value);
+    bool isClosed();
 
-    ZUCORE_HANDLE m_handle;
+    const ZUCORE_HANDLE m_handle;
     const std::shared_ptr<CameraDevice> m_device;
+    const CameraDevice::Opening m_opening;
 
-    std::mutex m_formatMutex; ///< makes reading, writing and comparing the format one step
-    std::mutex m_streamMutex; ///< guards m_streamOwner over the device's start and stop
+    /// Guards all below. Held throughout every operation, so that none reaches
+    /// the device once it is closed; only captures wait without it and have the
+    /// device look at the opening.
+    std::mutex m_mutex;
     StreamOwner m_streamOwner = StreamOwner::None;
+    bool m_closed = false;
 };
 
 } // namespace host

@@ -2,7 +2,6 @@
 
 #include "host/core/CameraManagerPrivate.h"
 #include "host/core/CameraParametersPrivate.h"
-#include "host/core/CameraRegistry.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -56,13 +55,13 @@ struct HostCore::Private
     std::vector<Camera> announced; ///< what cameras() said when camerasChanged was last emitted
     QTimer *pollTimer = nullptr;   ///< child of the core
     bool endRegistered = false;    ///< shutDown() runs at the end of the application
+    bool shuttingDown = false;     ///< in shutDown(): slots that it calls open nothing anew
 };
 
 HostCore::HostCore()
     : d(std::make_unique<Private>())
 {
-    // Statics end in the reverse order of their construction: these outlive us.
-    CameraRegistry::instance();
+    // Statics end in the reverse order of their construction: this outlives us.
     CxCameraManager::instance();
     d->pollTimer = new QTimer(this);
     d->pollTimer->setInterval(pollIntervalMs);
@@ -95,10 +94,12 @@ void HostCore::addBackend(std::unique_ptr<CameraBackend> backend)
 void HostCore::shutDown()
 {
     d->pollTimer->stop();
+    const bool nested = std::exchange(d->shuttingDown, true);
     for (ZUCORE_HANDLE handle : CxCameraManager::instance()->openedCameras())
         close(handle);
     // A back end's destructor must not meet itself in the list.
     const auto ended = std::exchange(d->backends, {});
+    d->shuttingDown = nested;
     announceChanges();
 }
 
@@ -119,6 +120,8 @@ std::vector<HostCore::Camera> HostCore::cameras()
 
 ZUCORE_HANDLE HostCore::open(const std::string &deviceId)
 {
+    if (d->shuttingDown)
+        return nullptr;
     const Devices devices = d->devices();
     const auto it = std::find_if(devices.begin(), devices.end(),
                                  [&](const auto &device) { return device->info().id == deviceId; });
@@ -126,14 +129,15 @@ ZUCORE_HANDLE HostCore::open(const std::string &deviceId)
         return nullptr;
     // Counted before opening: a device replugged meanwhile then shows as lost.
     const unsigned int connectionCount = (*it)->connectionCount();
-    if (!(*it)->open())
+    const CameraDevice::Opening opening = (*it)->open();
+    if (!opening)
         return nullptr;
 
     auto camera = std::make_unique<ManagedCamera>();
-    camera->session = CameraRegistry::instance().add(*it);
+    camera->session = CameraRegistry::instance().add(*it, opening);
     camera->connectionCount = connectionCount;
-    camera->parameters =
-        std::make_unique<CxCameraParameters>(std::make_unique<CxCameraParameters::Private>(camera->session));
+    camera->parameters = std::make_unique<CxCameraParameters>(
+        std::make_unique<CxCameraParameters::Private>(&*camera->session));
     ZUCORE_HANDLE handle = camera->session->handle();
     managed().cameras.push_back(std::move(camera));
 
@@ -155,10 +159,10 @@ bool HostCore::close(ZUCORE_HANDLE handle)
     }
     Q_EMIT CxCameraManager::instance()->cameraClosed(handle);
 
+    CameraRegistry::instance().remove(handle);
     camera->session->close();
     auto &list = managed().cameras;
     list.erase(std::find_if(list.begin(), list.end(), [&](const auto &c) { return c.get() == camera; }));
-    CameraRegistry::instance().remove(handle);
     announceChanges();
     return true;
 }
@@ -193,7 +197,6 @@ std::vector<ParameterDescription> HostCore::parameters(ZUCORE_HANDLE handle)
 
 void HostCore::pollDevices()
 {
-    CameraRegistry::instance().releaseRemoved();
     const Devices pluggedIn = d->devices();
     std::vector<ZUCORE_HANDLE> lost;
     for (const auto &camera : managed().cameras) {

@@ -31,20 +31,21 @@ public:
     /// A QCoreApplication must exist for the devices to be polled by themselves.
     void addBackend(std::unique_ptr<CameraBackend> backend);
 
-    /// Closes every camera and forgets the back ends. The end of the
-    /// QCoreApplication does this, too.
+    /// Closes every camera and forgets the back ends; no camera opens meanwhile.
+    /// The end of the QCoreApplication does this, too.
     void shutDown();
 
     /// All cameras that are plugged in, open or not.
     std::vector<Camera> cameras();
 
     /// Opens a plugged-in camera by its id; null when there is none, when it is
-    /// open already or refuses.
+    /// open already or refuses, and during shutDown().
     ZUCORE_HANDLE open(const std::string &deviceId);
 
     /// Takes the handle from the opened ones, ends the host's own acquisition,
     /// emits CxCameraManager::cameraClosed while the handle still takes calls,
-    /// then closes the device, which ends whatever still waits for it.
+    /// then closes the device once other threads' calls have left it; captures
+    /// that wait it ends.
     bool close(ZUCORE_HANDLE handle);
 
     /// The host's own acquisition; refused while a plug-in streams.
@@ -56,7 +57,7 @@ public:
     std::vector<ParameterDescription> parameters(ZUCORE_HANDLE handle);
 
     /// Looks which devices came or went and closes the lost ones. Also runs by
-    /// itself four times a second while an event loop runs.
+    /// itself four times a second while an event loop runs and nothing blocks it.
     void pollDevices();
 
 Q_SIGNALS:

@@ -61,9 +61,8 @@ ApiError read(void *handle, const char *text, std::int64_t &value)
     const auto session = CameraRegistry::instance().find(handle);
     if (!session)
         return ApiError::UnknownHandle;
-    host::CameraDevice &device = *session->device();
-    const bool ok = request.kind == Request::Kind::Maximum ? device.readMaximum(request.name, value)
-                                                           : device.readParameter(request.name, value);
+    const bool ok = request.kind == Request::Kind::Maximum ? session->readMaximum(request.name, value)
+                                                           : session->read(request.name, value);
     return ok ? ApiError::None : ApiError::Refused;
 }
 
@@ -87,9 +86,8 @@ ApiError write(void *handle, const char *text, int value)
     const auto session = CameraRegistry::instance().find(handle);
     if (!session)
         return ApiError::UnknownHandle;
-    const bool ok = request.kind == Request::Kind::Settable
-                        ? session->device()->isSettable(request.name, value)
-                        : session->write(request.name, value);
+    const bool ok = request.kind == Request::Kind::Settable ? session->isSettable(request.name, value)
+                                                            : session->write(request.name, value);
     return ok ? ApiError::None : ApiError::Refused;
 }
 
@@ -104,7 +102,7 @@ ApiError capture(void *handle, std::chrono::milliseconds timeout, ZU_IMG *img)
     }
     ZU_IMG frame{};
     frame.size = sizeof frame;
-    if (!session->device()->captureImage(timeout, frame))
+    if (!session->capture(timeout, frame))
         return ApiError::NoImage;
     frame.size = img->size;
     std::memcpy(img, &frame, std::min<std::size_t>(img->size, sizeof frame));

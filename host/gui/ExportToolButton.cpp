@@ -11,6 +11,7 @@
 #include <QImage>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 
 struct CxExportToolButton::Private
 {
@@ -41,7 +42,9 @@ struct CxExportToolButton::Private
         return {};
     }
 
-    static void exportToFile(const QImage &image, QWidget *parent, const QString &fileFilter);
+    /// Takes a copy of the image: its owner may go while the user chooses.
+    static void exportToFile(QImage image, QPointer<QWidget> parent, const QString &fileFilter);
+    static void tellFailure(const QString &path, const QString &reason, QWidget *parent);
 };
 
 CxExportToolButton::CxExportToolButton(QWidget *parent)
@@ -99,31 +102,47 @@ void CxExportToolButton::exportImage(const QImage &image, ExExportType type, QWi
         QGuiApplication::clipboard()->setImage(image);
 }
 
-void CxExportToolButton::Private::exportToFile(const QImage &image, QWidget *parent,
+// The windows below run event loops in which everything may go: the parent, and
+// with it the window itself, and the program's delegate.
+
+void CxExportToolButton::Private::exportToFile(QImage image, QPointer<QWidget> parent,
                                                const QString &fileFilter)
 {
     IxAppDelegate *app = host::appDelegate();
-    QFileDialog dialog(parent, CxExportToolButton::tr("Export Image"),
-                       app ? app->defaultSavePath() : QString(), fileFilter);
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
+    const QPointer<QFileDialog> dialog = new QFileDialog(
+        parent, CxExportToolButton::tr("Export Image"), app ? app->defaultSavePath() : QString(), fileFilter);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
     // The dialog must know the suffix, or it asks about overwriting another file
     // than the one that is written.
-    const auto followFilter = [&dialog](const QString &filter) {
-        dialog.setDefaultSuffix(host::filterSuffix(filter));
+    const auto followFilter = [dialog](const QString &filter) {
+        dialog->setDefaultSuffix(host::filterSuffix(filter));
     };
-    connect(&dialog, &QFileDialog::filterSelected, followFilter);
-    followFilter(dialog.selectedNameFilter());
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+    connect(dialog, &QFileDialog::filterSelected, dialog, followFilter);
+    followFilter(dialog->selectedNameFilter());
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    if (!dialog)
+        return;
+    const QStringList files = accepted ? dialog->selectedFiles() : QStringList();
+    const QString suffix = host::filterSuffix(dialog->selectedNameFilter());
+    delete dialog;
+    if (files.isEmpty())
         return;
 
-    const QString path = dialog.selectedFiles().constFirst();
+    const QString &path = files.constFirst();
+    app = host::appDelegate();
     if (app)
         app->setDefaultSavePath(QFileInfo(path).absolutePath());
-    const QString reason = host::writeImageFile(image, path, host::filterSuffix(dialog.selectedNameFilter()));
-    if (!reason.isEmpty()) {
-        QMessageBox::critical(
-            parent, CxExportToolButton::tr("Export Image"),
-            CxExportToolButton::tr("The image could not be saved as %1.\n%2").arg(path, reason));
-    }
+    const QString reason = host::writeImageFile(image, path, suffix);
+    if (!reason.isEmpty())
+        tellFailure(path, reason, parent);
+}
+
+void CxExportToolButton::Private::tellFailure(const QString &path, const QString &reason, QWidget *parent)
+{
+    const QString text = CxExportToolButton::tr("The image could not be saved as %1.\n%2").arg(path, reason);
+    const QPointer<QMessageBox> box = new QMessageBox(
+        QMessageBox::Critical, CxExportToolButton::tr("Export Image"), text, QMessageBox::Ok, parent);
+    box->exec();
+    delete box;
 }

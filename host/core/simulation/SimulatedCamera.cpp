@@ -49,17 +49,24 @@ bool SimulatedCamera::isConnected() const
     return m_plug != Plug::Out;
 }
 
-bool SimulatedCamera::open()
+unsigned int SimulatedCamera::connectionCount() const
+{
+    const std::lock_guard lock(m_mutex);
+    catchUp(m_clock->now());
+    return m_connectionCount;
+}
+
+CameraDevice::Opening SimulatedCamera::open()
 {
     const std::lock_guard lock(m_mutex);
     const Ticks now = m_clock->now();
     catchUp(now);
     if (m_plug == Plug::Out || m_open)
-        return false;
+        return 0;
     m_open = true;
     if (!m_firstOpened)
         m_firstOpened = now;
-    return true;
+    return ++m_opening;
 }
 
 void SimulatedCamera::close()
@@ -134,7 +141,7 @@ bool SimulatedCamera::stopAcquisition()
     return true;
 }
 
-bool SimulatedCamera::captureImage(std::chrono::milliseconds timeout, ZU_IMG &image)
+bool SimulatedCamera::captureImage(Opening opening, std::chrono::milliseconds timeout, ZU_IMG &image)
 {
     std::unique_lock lock(m_mutex);
     const Ticks deadline = saturatingDeadline(m_clock->now(), timeout);
@@ -142,7 +149,7 @@ bool SimulatedCamera::captureImage(std::chrono::milliseconds timeout, ZU_IMG &im
     for (;;) {
         const Ticks now = m_clock->now();
         catchUp(now);
-        if (m_endCount != endCount)
+        if (m_endCount != endCount || m_opening != opening)
             return false;
         Ticks wake = deadline;
         if (m_stream) {
@@ -204,6 +211,7 @@ void SimulatedCamera::unplugIfDue(Ticks now) const
     }
     if (m_plug == Plug::Out && unplug.backAfter && now >= *m_firstOpened + *unplug.backAfter) {
         m_plug = Plug::BackIn;
+        ++m_connectionCount;
         m_parameters.reset();
         m_stampOrigin = *m_firstOpened + *unplug.backAfter;
     }

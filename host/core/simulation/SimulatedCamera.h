@@ -25,7 +25,8 @@ public:
 
     DeviceInfo info() const override;
     bool isConnected() const override;
-    bool open() override;
+    unsigned int connectionCount() const override;
+    Opening open() override;
     void close() override;
     std::vector<ParameterDescription> parameters() const override;
     bool readParameter(std::string_view name, std::int64_t &value) override;
@@ -34,7 +35,7 @@ public:
     bool isSettable(std::string_view name, std::int64_t value) override;
     bool startAcquisition() override;
     bool stopAcquisition() override;
-    bool captureImage(std::chrono::milliseconds timeout, ZU_IMG &image) override;
+    bool captureImage(Opening opening, std::chrono::milliseconds timeout, ZU_IMG &image) override;
 
     /// The truth, for tests: the settings, the link's exact rate, and what has
     /// happened to the frames of the present or else the last acquisition.
@@ -71,7 +72,9 @@ private:
     mutable std::unique_ptr<Stream> m_stream; ///< null: not streaming
     mutable Ledger m_lastLedger;              ///< of the stream that ended last
     mutable Plug m_plug = Plug::In;
+    mutable unsigned int m_connectionCount = 1;
     mutable bool m_open = false;
+    Opening m_opening = 0; ///< the last one, over or not
     std::optional<Ticks> m_firstOpened;
     Ticks m_streamStart = 0;
     mutable Ticks m_stampOrigin = 0; ///< where the camera's time stamp is 0

@@ -66,6 +66,18 @@ void CoreContractTest::writtenNumbers_data()
     QTest::newRow("counter pattern") << ZU_TESTPAT_DEVICE_SPEC_COUNTER << 11;
     QTest::newRow("frame buffer off") << ZU_DP_PARAM_VALUE_FRAMEBUF_MODE_DISABLED << 9;
     QTest::newRow("frame buffer on") << ZU_DP_PARAM_VALUE_FRAMEBUF_MODE_ENABLED << 10;
+    QTest::newRow("frame buffer: unit") << ZU_DP_UNIT_FRAMEBUF << 1;
+    QTest::newRow("frame buffer: block") << ZU_DP_PROC_FRAMEBUF << 5;
+    QTest::newRow("frame buffer: mode") << ZU_DP_PARAM_FRAMEBUF_MODE << 6;
+    QTest::newRow("frame buffer: size") << ZU_DP_PARAM_FRAMEBUF_SIZE << 7;
+    QTest::newRow("transport: unit") << ZU_DEVICE_UNIT_TRANSPORT << 1;
+    QTest::newRow("transport: register") << ZU_DEVICE_REG_TRANSPORT << 55;
+    QTest::newRow("transport: measure") << ZU_DEVICE_REG_TRANSPORT_MEASURE << 25000;
+    QTest::newRow("transport: default") << ZU_DEVICE_REG_TRANSPORT_DEFAULT << 1;
+    QTest::newRow("speed: unit") << ZU_DEVICE_UNIT_SPEED << 8;
+    QTest::newRow("speed: register") << ZU_DEVICE_REG_AVG_SPEED << 4096;
+    QTest::newRow("time stamp: mode") << ZU_TS_RST_MODE_ONCE << 0;
+    QTest::newRow("time stamp: source") << ZU_TS_RST_SOURCE_ACQUISITION << 19;
     QTest::newRow("counter: transport skip") << int(ZU_CNT_SEL_TRANSPORT_SKIP) << 0;
     QTest::newRow("counter: API skip") << int(ZU_CNT_SEL_API_SKIP) << 1;
     QTest::newRow("counter: transferred") << int(ZU_CNT_SEL_TRANSFERRED) << 2;

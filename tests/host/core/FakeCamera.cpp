@@ -95,6 +95,35 @@ void FakeCamera::pushFrame(const ZU_IMG &frame)
     m_changed.notify_all();
 }
 
+void FakeCamera::hold(const std::string &operation)
+{
+    const Lock lock(m_mutex);
+    m_heldOperation = operation;
+}
+
+void FakeCamera::awaitHeld()
+{
+    Lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_held > 0; });
+}
+
+void FakeCamera::release()
+{
+    const Lock lock(m_mutex);
+    m_heldOperation.clear();
+    m_changed.notify_all();
+}
+
+void FakeCamera::passHold(Lock &lock, std::string_view operation)
+{
+    if (m_heldOperation != operation)
+        return;
+    ++m_held;
+    m_changed.notify_all();
+    m_changed.wait(lock, [&] { return m_heldOperation != operation; });
+    --m_held;
+}
+
 bool FakeCamera::isOpen() const
 {
     const Lock lock(m_mutex);
@@ -143,12 +172,13 @@ unsigned int FakeCamera::connectionCount() const
     return m_connectionCount;
 }
 
-bool FakeCamera::open()
+host::CameraDevice::Opening FakeCamera::open()
 {
     const Lock lock(m_mutex);
     m_log.push_back("open");
     m_open = m_connected && !m_failOpen;
-    return m_open;
+    m_changed.notify_all();
+    return m_open ? ++m_opening : 0;
 }
 
 void FakeCamera::close()
@@ -156,6 +186,7 @@ void FakeCamera::close()
     const Lock lock(m_mutex);
     m_log.push_back("close");
     m_open = m_streaming = false;
+    ++m_endCount;
     m_changed.notify_all();
 }
 
@@ -187,7 +218,8 @@ bool FakeCamera::readMaximum(std::string_view name, std::int64_t &value)
 
 bool FakeCamera::writeParameter(std::string_view name, std::int64_t value)
 {
-    const Lock lock(m_mutex);
+    Lock lock(m_mutex);
+    passHold(lock, "write");
     m_log.push_back("write " + std::string(name) + "=" + std::to_string(value));
     const auto it = m_values.find(name);
     if (!m_open || it == m_values.end() || m_failingWrites.count(name) != 0)
@@ -211,6 +243,7 @@ bool FakeCamera::startAcquisition()
     if (!m_open || m_streaming || m_failStart)
         return false;
     m_streaming = true;
+    m_changed.notify_all();
     return true;
 }
 
@@ -220,21 +253,23 @@ bool FakeCamera::stopAcquisition()
     m_log.push_back("stop");
     const bool ok = m_streaming && !m_failStop;
     m_streaming = false;
-    ++m_stopCount;
+    ++m_endCount;
     m_changed.notify_all();
     return ok;
 }
 
-bool FakeCamera::captureImage(std::chrono::milliseconds timeout, ZU_IMG &image)
+bool FakeCamera::captureImage(Opening opening, std::chrono::milliseconds timeout, ZU_IMG &image)
 {
     Lock lock(m_mutex);
-    const unsigned int stopsBefore = m_stopCount;
+    passHold(lock, "capture");
+    const unsigned int endsBefore = m_endCount;
+    const auto isOver = [&] { return m_endCount != endsBefore || m_opening != opening; };
     ++m_waiting;
     m_changed.notify_all();
     m_changed.wait_until(lock, std::chrono::steady_clock::now() + timeout,
-                         [&] { return !m_frames.empty() || m_stopCount != stopsBefore; });
+                         [&] { return isOver() || (m_streaming && !m_frames.empty()); });
     --m_waiting;
-    if (!m_streaming || m_frames.empty())
+    if (isOver() || !m_streaming || m_frames.empty())
         return false;
     image = m_frames.front();
     m_frames.erase(m_frames.begin());

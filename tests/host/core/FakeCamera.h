@@ -30,6 +30,11 @@ public:
     void failStop(bool fail);
     void plug(bool connected); ///< plugging in starts a new connection
     void pushFrame(const ZU_IMG &frame);
+    /// Stops the threads that come to an operation, "capture" or "write", until
+    /// release().
+    void hold(const std::string &operation);
+    void awaitHeld(); ///< blocks until hold() has stopped a thread
+    void release();
 
     bool isOpen() const;
     bool isStreaming() const;
@@ -44,7 +49,7 @@ public:
     host::DeviceInfo info() const override;
     bool isConnected() const override;
     unsigned int connectionCount() const override;
-    bool open() override;
+    Opening open() override;
     void close() override;
     std::vector<host::ParameterDescription> parameters() const override;
     bool readParameter(std::string_view name, std::int64_t &value) override;
@@ -53,9 +58,11 @@ public:
     bool isSettable(std::string_view name, std::int64_t value) override;
     bool startAcquisition() override;
     bool stopAcquisition() override;
-    bool captureImage(std::chrono::milliseconds timeout, ZU_IMG &image) override;
+    bool captureImage(Opening opening, std::chrono::milliseconds timeout, ZU_IMG &image) override;
 
 private:
+    void passHold(std::unique_lock<std::mutex> &lock, std::string_view operation);
+
     mutable std::mutex m_mutex; ///< guards all below
     std::condition_variable m_changed;
     host::DeviceInfo m_info;
@@ -68,8 +75,11 @@ private:
     std::vector<ZU_IMG> m_frames;
     std::vector<std::string> m_log;
     unsigned int m_connectionCount = 1;
-    unsigned int m_stopCount = 0;
-    int m_waiting = 0;
+    Opening m_opening = 0;       ///< the last one
+    unsigned int m_endCount = 0; ///< stops and closes so far
+    int m_waiting = 0;           ///< captures
+    int m_held = 0;
+    std::string m_heldOperation;
     bool m_connected = true;
     bool m_open = false;
     bool m_streaming = false;

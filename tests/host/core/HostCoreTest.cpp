@@ -33,6 +33,9 @@ private Q_SLOTS:
     void anAcquisitionThatDoesNotStopCleanlyEnds();
     void aClientsStreamIsNotTheHosts();
     void shutsDown();
+    void opensNothingWhileItShutsDown_data();
+    void opensNothingWhileItShutsDown();
+    void shutsDownWithTheApplication_data();
     void shutsDownWithTheApplication();
     void showsParameters();
     void unknownHandles();
@@ -272,10 +275,48 @@ void HostCoreTest::shutsDown()
     QVERIFY(m_core.open("A"));
 }
 
+void HostCoreTest::opensNothingWhileItShutsDown_data()
+{
+    QTest::addColumn<bool>("finished");
+    QTest::newRow("in cameraClosed") << false;
+    QTest::newRow("in acquisitionFinished") << true;
+}
+
+void HostCoreTest::opensNothingWhileItShutsDown()
+{
+    QFETCH(bool, finished);
+    const ZUCORE_HANDLE a = m_core.open("A");
+    QVERIFY(m_core.startAcquisition(a));
+    bool asked = false;
+    connect(m_manager, finished ? &CxCameraManager::acquisitionFinished : &CxCameraManager::cameraClosed,
+            this, [&] {
+                asked = true;
+                m_core.open("B");
+                m_core.shutDown(); // nested: the outer one goes on
+            });
+    m_core.shutDown();
+    QVERIFY(asked);
+    QVERIFY(m_manager->openedCameras().isEmpty());
+    QVERIFY(!m_a->isOpen());
+    QCOMPARE(m_b->log(), std::vector<std::string>());
+
+    disconnect(m_manager, nullptr, this, nullptr);
+    plugIn({m_b});
+    QVERIFY(m_core.open("B"));
+}
+
+void HostCoreTest::shutsDownWithTheApplication_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("idle") << QStringList();
+    QTest::newRow("a capture outlasts the core") << QStringList{QStringLiteral("capture")};
+}
+
 void HostCoreTest::shutsDownWithTheApplication()
 {
+    QFETCH(QStringList, arguments);
     QProcess process;
-    process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/HostCoreExit"), QStringList());
+    process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/HostCoreExit"), arguments);
     QVERIFY(process.waitForFinished());
     QCOMPARE(process.readAllStandardError(), QByteArray());
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);

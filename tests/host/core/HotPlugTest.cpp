@@ -2,6 +2,8 @@
 #include "tests/host/core/FakeCamera.h"
 
 #include "host/core/HostCore.h"
+#include "host/core/simulation/FreeRunningClock.h"
+#include "host/core/simulation/SimulationBackend.h"
 #include "zuCore/CxCameraManager.h"
 #include "zuCore/CxCameraParameters.h"
 
@@ -22,6 +24,7 @@ private Q_SLOTS:
     void closesALostCamera();
     void aCameraThatReturnsOpensAnew();
     void aCameraThatWentAndCameBackBetweenTwoPollsIsLost();
+    void aSimulatedCameraThatWentAndCameBackBetweenTwoPollsIsLost();
     void lossIsReportedOnceFromNestedPolls();
     void aSlotMayCloseTheLostCameraItself();
     void announcesListChangesOnly();
@@ -127,6 +130,31 @@ void HotPlugTest::aCameraThatWentAndCameBackBetweenTwoPollsIsLost()
     QCOMPARE(takeEvents(),
              (QStringList{QStringLiteral("lost A"), QStringLiteral("closed A"), QStringLiteral("changed")}));
     QVERIFY(m_core.open("A"));
+    takeEvents();
+    m_core.pollDevices();
+    QVERIFY(takeEvents().isEmpty());
+}
+
+void HotPlugTest::aSimulatedCameraThatWentAndCameBackBetweenTwoPollsIsLost()
+{
+    host::Scenario scenario;
+    scenario.cameras.resize(1);
+    scenario.cameras[0].serial = "SN-S";
+    scenario.cameras[0].faults.unplug = host::UnplugSettings{1000, 2000};
+    const auto clock = std::make_shared<host::FreeRunningClock>();
+    m_core.addBackend(std::make_unique<host::SimulationBackend>(scenario, clock));
+    const ZUCORE_HANDLE first = m_core.open("simulated:SN-S");
+    QVERIFY(first);
+    m_core.pollDevices();
+    takeEvents();
+
+    clock->advance(3000);
+    m_core.pollDevices();
+    QCOMPARE(takeEvents(),
+             (QStringList{QStringLiteral("lost S"), QStringLiteral("closed S"), QStringLiteral("changed")}));
+    const ZUCORE_HANDLE again = m_core.open("simulated:SN-S");
+    QVERIFY(again);
+    QVERIFY(again != first);
     takeEvents();
     m_core.pollDevices();
     QVERIFY(takeEvents().isEmpty());

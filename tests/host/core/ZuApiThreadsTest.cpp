@@ -23,6 +23,10 @@ private Q_SLOTS:
     void twoThreadsUseOneHandle();
     void stoppingEndsAWaitingCapture();
     void closingEndsAWaitingCapture();
+    void aCaptureInProgressOutlastsTheCore();
+    void anOldHandlesCaptureTakesNoFrameOfTheNextOpening();
+    void losingTheCameraEndsAWaitingCapture_data();
+    void losingTheCameraEndsAWaitingCapture();
     void closingWhileAnotherThreadCalls();
     void signalsOfAnotherThreadComeOnTheGuiThread();
     void cameraClosedLetsAMeasurementEnd();
@@ -121,12 +125,81 @@ void ZuApiThreadsTest::closingEndsAWaitingCapture()
     std::thread capturing([&] { capture.run(m_handle, longTimeoutMs); });
     m_camera->awaitCapture();
     QVERIFY(HostCore::instance().close(m_handle));
-    // Only the capture in progress still holds the device.
-    HostCore::instance().shutDown();
-    m_camera.reset();
     capturing.join();
     QVERIFY(timer.elapsed() < longTimeoutMs / 2);
     QVERIFY(!capture.ok);
+}
+
+void ZuApiThreadsTest::aCaptureInProgressOutlastsTheCore()
+{
+    Capture capture;
+    m_camera->hold("capture");
+    std::thread capturing([&] { capture.run(m_handle, 1); });
+    m_camera->awaitHeld();
+    HostCore::instance().shutDown();
+    // Only the capture in progress still holds the device, and nobody polls.
+    const std::weak_ptr<FakeCamera> camera = m_camera;
+    FakeCamera *held = m_camera.get();
+    m_camera.reset();
+    QVERIFY(!camera.expired());
+    held->release();
+    capturing.join();
+    QVERIFY(!capture.ok);
+    QVERIFY(camera.expired());
+}
+
+void ZuApiThreadsTest::anOldHandlesCaptureTakesNoFrameOfTheNextOpening()
+{
+    HostCore &core = HostCore::instance();
+    QVERIFY(zuApi_StartAcquisition(m_handle));
+    Capture old;
+    m_camera->hold("capture");
+    std::thread capturing([&] { old.run(m_handle, longTimeoutMs); });
+    m_camera->awaitHeld();
+    QVERIFY(core.close(m_handle));
+    const ZUCORE_HANDLE again = core.open("A");
+    QVERIFY(zuApi_StartAcquisition(again));
+    m_camera->pushFrame(ZU_IMG{});
+    m_camera->release();
+    capturing.join();
+    QVERIFY(!old.ok);
+    Capture next;
+    next.run(again, 0);
+    QVERIFY(next.ok);
+}
+
+void ZuApiThreadsTest::losingTheCameraEndsAWaitingCapture_data()
+{
+    QTest::addColumn<bool>("streaming");
+    QTest::addColumn<bool>("back");
+    QTest::newRow("gone") << true << false;
+    QTest::newRow("gone, not streaming") << false << false;
+    QTest::newRow("back before the poll") << true << true;
+}
+
+void ZuApiThreadsTest::losingTheCameraEndsAWaitingCapture()
+{
+    QFETCH(bool, streaming);
+    QFETCH(bool, back);
+    QCOMPARE(!streaming || zuApi_StartAcquisition(m_handle), true);
+    Capture capture;
+    QElapsedTimer timer;
+    timer.start();
+    std::thread capturing([&] { capture.run(m_handle, longTimeoutMs); });
+    m_camera->awaitCapture();
+    m_camera->plug(false);
+    m_camera->plug(back);
+    HostCore::instance().pollDevices();
+    capturing.join();
+    QVERIFY(timer.elapsed() < longTimeoutMs / 2);
+    QVERIFY(!capture.ok);
+    QCOMPARE(capture.err, int(ApiError::NoImage));
+
+    int gain = 0;
+    int err = 0;
+    QVERIFY(!zuApi_GetParamInt(m_handle, "gain", gain, &err));
+    QCOMPARE(err, int(ApiError::UnknownHandle));
+    QCOMPARE(HostCore::instance().open("A") != nullptr, back);
 }
 
 void ZuApiThreadsTest::closingWhileAnotherThreadCalls()

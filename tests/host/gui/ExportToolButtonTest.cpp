@@ -105,6 +105,9 @@ private Q_SLOTS:
     void tellsWhyASaveFailed_data();
     void tellsWhyASaveFailed();
     void asksBeforeOverwritingWithTheAddedSuffix();
+    void theParentMayGoWhileTheUserChooses();
+    void theParentMayGoWhileAFailureIsShown();
+    void theDelegateMayGoWhileTheUserChooses();
 
 private:
     QTemporaryDir m_folder;
@@ -331,6 +334,54 @@ void ExportToolButtonTest::asksBeforeOverwritingWithTheAddedSuffix()
     QVERIFY(user.isDone());
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), QByteArray("old"));
+}
+
+void ExportToolButtonTest::theParentMayGoWhileTheUserChooses()
+{
+    m_delegate.savePath = m_folder.path();
+    host::setAppDelegate(&m_delegate);
+    auto *parent = new QWidget;
+    QPointer<QWidget> dialog;
+    const User user({[&](QWidget *window) {
+        dialog = window;
+        delete parent;
+    }});
+    CxExportToolButton::exportImage(sampleImage(), Type::eExportFile, parent, filters);
+    QVERIFY(user.isDone());
+    QVERIFY(!dialog);
+    QVERIFY(QDir(m_folder.path()).entryList(QDir::Files).isEmpty());
+    QCOMPARE(m_delegate.savePath, m_folder.path());
+}
+
+void ExportToolButtonTest::theParentMayGoWhileAFailureIsShown()
+{
+    auto *parent = new QWidget;
+    QPointer<QWidget> box;
+    const User user({save(QStringLiteral("/proc/self/a.png")), [&](QWidget *window) {
+                         box = window;
+                         delete parent;
+                     }});
+    CxExportToolButton::exportImage(sampleImage(), Type::eExportFile, parent, filters);
+    QVERIFY(user.isDone());
+    QVERIFY(!box);
+}
+
+void ExportToolButtonTest::theDelegateMayGoWhileTheUserChooses()
+{
+    auto leaving = std::make_unique<TestDelegate>();
+    leaving->savePath = m_folder.path();
+    host::setAppDelegate(leaving.get());
+    const QString path = m_folder.filePath(QStringLiteral("a.png"));
+    const User user({[&](QWidget *window) {
+        host::setAppDelegate(&m_delegate);
+        leaving.reset();
+        save(path)(window);
+    }});
+    m_delegate.savePath.clear();
+    CxExportToolButton::exportImage(sampleImage(), Type::eExportFile, nullptr, filters);
+    QVERIFY(user.isDone());
+    QVERIFY(QFile::exists(path));
+    QCOMPARE(m_delegate.savePath, m_folder.path());
 }
 
 QTEST_MAIN(ExportToolButtonTest)

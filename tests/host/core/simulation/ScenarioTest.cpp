@@ -333,13 +333,14 @@ void ScenarioTest::builtinScenarios()
     SimulationBackend backend(*result.scenario,
                               [](std::size_t) { return std::make_shared<FreeRunningClock>(TicksPerSecond); });
     const auto camera = backend.cameras()[0];
-    QVERIFY(camera->open());
+    const auto opening = camera->open();
+    QVERIFY(opening);
     QVERIFY(camera->startAcquisition());
     ZU_IMG image{};
-    QVERIFY(camera->captureImage(std::chrono::seconds(1), image));
+    QVERIFY(camera->captureImage(opening, std::chrono::seconds(1), image));
     const auto ledger = [&] {
         for (int i = 0; i < 20; ++i)
-            camera->captureImage(std::chrono::milliseconds(45), image);
+            camera->captureImage(opening, std::chrono::milliseconds(45), image);
         return camera->ledger();
     }();
     // What the name promises happens within that second.
@@ -402,7 +403,7 @@ void ScenarioTest::eachCameraOnItsOwnClock()
     });
     QCOMPARE(clocks.size(), std::size_t{2});
     ZU_IMG image{};
-    QVERIFY(!backend.cameras()[1]->captureImage(std::chrono::seconds(1), image));
+    QVERIFY(!backend.cameras()[1]->captureImage(0, std::chrono::seconds(1), image));
     QCOMPARE(clocks[0]->now(), Ticks{0});
     QCOMPARE(clocks[1]->now(), TicksPerSecond);
 }

@@ -48,6 +48,8 @@ class SimulatedCameraThreadsTest : public QObject
 private Q_SLOTS:
     void stopEndsACapture_data();
     void stopEndsACapture();
+    void closeEndsACaptureThatWaits_data();
+    void closeEndsACaptureThatWaits();
     void startServesACaptureThatWaits();
     void stopLeavesTheFrameToItsReader();
     void tenSecondsThroughACaptureThread();
@@ -73,14 +75,15 @@ void SimulatedCameraThreadsTest::stopEndsACapture()
     if (!realTime)
         clock = std::make_shared<FreeRunningClock>(0);
     SimulatedCamera camera(silentCamera(), 1, 0, clock);
-    QVERIFY(camera.open());
+    const auto opening = camera.open();
+    QVERIFY(opening);
     QVERIFY(camera.startAcquisition());
     Flag done;
     bool captured = true;
     const auto begin = std::chrono::steady_clock::now();
     std::thread thread([&] {
         ZU_IMG image = emptyImage();
-        captured = camera.captureImage(60s, image);
+        captured = camera.captureImage(opening, 60s, image);
         done.set();
     });
     // Again and again, because the first may come before the capture.
@@ -97,6 +100,36 @@ void SimulatedCameraThreadsTest::stopEndsACapture()
     thread.join();
     QVERIFY(!captured);
     QVERIFY(std::chrono::steady_clock::now() - begin < 30s);
+}
+
+void SimulatedCameraThreadsTest::closeEndsACaptureThatWaits_data()
+{
+    QTest::addColumn<bool>("streaming");
+    QTest::addColumn<int>("backAfter");
+    QTest::newRow("streaming") << true << -1;
+    QTest::newRow("not streaming") << false << -1;
+    QTest::newRow("unplugged") << true << 0;
+    QTest::newRow("unplugged and back") << true << 600;
+}
+
+void SimulatedCameraThreadsTest::closeEndsACaptureThatWaits()
+{
+    QFETCH(bool, streaming);
+    QFETCH(int, backAfter);
+    CameraSettings settings = silentCamera();
+    if (backAfter >= 0)
+        settings.faults.unplug = UnplugSettings{500, std::nullopt};
+    if (backAfter > 0)
+        settings.faults.unplug->backAfter = backAfter;
+    CameraOnClock on(settings, 1, 0);
+    QCOMPARE(!streaming || on.camera.startAcquisition(), true);
+    bool captured = true;
+    std::thread thread([&] { captured = on.capture(60s); });
+    QVERIFY(on.clock->runUntil(1000));
+    on.camera.close();
+    thread.join();
+    QVERIFY(!captured);
+    QCOMPARE(on.clock->now(), Ticks{1000});
 }
 
 void SimulatedCameraThreadsTest::startServesACaptureThatWaits()
@@ -183,10 +216,15 @@ void SimulatedCameraThreadsTest::twoThreadsOneCamera()
     CameraOnClock on(settings);
     QVERIFY(on.camera.writeParameter("imgdataformat", 7));
     Flag done;
+    std::mutex mutex; // of the opening
     int captured = 0;
-    std::thread reader([&] {
-        while (!done.isSet())
-            captured += on.capture(1ms) ? 1 : 0;
+    std::thread reader([&, image = emptyImage()]() mutable {
+        while (!done.isSet()) {
+            std::unique_lock lock(mutex);
+            const auto opening = on.opening;
+            lock.unlock();
+            captured += on.camera.captureImage(opening, 1ms, image) ? 1 : 0;
+        }
     });
     for (int round = 0; round < 200; ++round) {
         QVERIFY(on.camera.startAcquisition());
@@ -199,7 +237,9 @@ void SimulatedCameraThreadsTest::twoThreadsOneCamera()
         QVERIFY(on.camera.writeParameter("recent_frame", round % 2));
         if (round % 3 == 0) {
             on.camera.close();
-            QVERIFY(on.camera.open());
+            const std::lock_guard lock(mutex);
+            on.opening = on.camera.open();
+            QVERIFY(on.opening);
         } else {
             QVERIFY(on.camera.stopAcquisition());
         }

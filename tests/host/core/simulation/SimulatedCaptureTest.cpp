@@ -33,6 +33,8 @@ private Q_SLOTS:
     void negativeTimeOutDoesNotWait();
     void interruptedClockFailsAtOnce();
     void startAndStopTwice();
+    void aCaptureTakesNoFrameOfALaterOpening();
+    void countsItsReturnAlthoughNobodyLooked();
     void realTimeFramesArePaced();
     void unpluggedCameraIsGone();
     void unplugDuringACapture();
@@ -115,23 +117,51 @@ void SimulatedCaptureTest::startAndStopTwice()
     QVERIFY(on.camera.startAcquisition());
 }
 
+void SimulatedCaptureTest::aCaptureTakesNoFrameOfALaterOpening()
+{
+    CameraOnClock on(smallCamera());
+    on.camera.close();
+    const auto next = on.camera.open();
+    QVERIFY(next != on.opening);
+    QVERIFY(on.camera.startAcquisition());
+    on.clock->advance(4500); // frame 0 has arrived, frame 1 has not
+    QVERIFY(!on.capture(5s));
+    QCOMPARE(on.clock->now(), Ticks{4500});
+    on.opening = next;
+    QVERIFY(on.capture(0ms));
+    QCOMPARE(on.image.frameNumber, 0U);
+}
+
+void SimulatedCaptureTest::countsItsReturnAlthoughNobodyLooked()
+{
+    CameraSettings settings = smallCamera();
+    settings.faults.unplug = UnplugSettings{10'000, 20'000};
+    CameraOnClock on(settings);
+    QCOMPARE(on.camera.connectionCount(), 1U);
+    on.clock->advance(30'000);
+    QCOMPARE(on.camera.connectionCount(), 2U);
+    on.clock->advance(30'000);
+    QCOMPARE(on.camera.connectionCount(), 2U);
+}
+
 void SimulatedCaptureTest::realTimeFramesArePaced()
 {
     CameraSettings settings = smallCamera();
     settings.frameRate = 1000.0;
     SimulatedCamera camera(settings, 1, 0, std::make_shared<RealTimeClock>());
-    QVERIFY(camera.open());
+    const auto opening = camera.open();
+    QVERIFY(opening);
     QElapsedTimer timer;
     timer.start();
     QVERIFY(camera.startAcquisition());
     ZU_IMG image = emptyImage();
     do {
-        QVERIFY(camera.captureImage(5s, image));
+        QVERIFY(camera.captureImage(opening, 5s, image));
     } while (image.frameNumber < 5);
     QVERIFY(timer.nsecsElapsed() >= 5'000'000);
     QVERIFY(camera.stopAcquisition());
     timer.start();
-    QVERIFY(!camera.captureImage(3ms, image));
+    QVERIFY(!camera.captureImage(opening, 3ms, image));
     QVERIFY(timer.nsecsElapsed() >= 3'000'000);
 }
 
@@ -182,18 +212,21 @@ void SimulatedCaptureTest::cameraComesBack()
     QVERIFY(camera.startAcquisition());
     clock->advance(19'999);
     QVERIFY(!camera.isConnected());
+    QCOMPARE(camera.connectionCount(), 1U);
     clock->advance(1);
     QVERIFY(camera.isConnected());
+    QCOMPARE(camera.connectionCount(), 2U);
     std::int64_t value = 0;
     QVERIFY(!camera.readParameter("width", value));
-    QVERIFY(camera.open());
+    const auto opening = camera.open();
+    QVERIFY(opening);
     QVERIFY(camera.readParameter("width", value));
     QCOMPARE(value, std::int64_t{100});
     clock->advance(100'000'000);
     QVERIFY(camera.isConnected());
     QVERIFY(camera.startAcquisition());
     ZU_IMG image = emptyImage();
-    QVERIFY(camera.captureImage(5s, image));
+    QVERIFY(camera.captureImage(opening, 5s, image));
     // The time stamp restarted with the power, 100 000 000 ticks ago.
     QCOMPARE(microseconds(image), std::int64_t{400'000});
 }

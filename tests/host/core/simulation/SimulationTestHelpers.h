@@ -45,13 +45,13 @@ struct CameraOnClock
         : clock(std::make_shared<host::FreeRunningClock>(limit))
         , camera(settings, seed, 0, clock)
     {
-        camera.open();
+        opening = camera.open();
     }
 
     bool capture(std::chrono::milliseconds timeout = std::chrono::seconds(5))
     {
         image = emptyImage();
-        return camera.captureImage(timeout, image);
+        return camera.captureImage(opening, timeout, image);
     }
 
     /// As a measurement prepares the camera.
@@ -98,5 +98,6 @@ struct CameraOnClock
 
     std::shared_ptr<host::FreeRunningClock> clock;
     host::SimulatedCamera camera;
+    host::CameraDevice::Opening opening = 0; ///< whose frames capture() takes
     ZU_IMG image = emptyImage();
 };
