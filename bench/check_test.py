@@ -36,7 +36,7 @@ class CheckTest(unittest.TestCase):
     def check(self, floors, benchmarks):
         with tempfile.TemporaryDirectory() as folder:
             paths = []
-            for name, content in (("floors", floors), ("results", {"benchmarks": benchmarks})):
+            for name, content in (("results", {"benchmarks": benchmarks}), ("floors", floors)):
                 paths.append(pathlib.Path(folder, name))
                 paths[-1].write_text(json.dumps(content), encoding="utf-8")
             run = subprocess.run([sys.executable, CHECK, *paths], capture_output=True, text=True, check=False)
@@ -82,6 +82,7 @@ class CheckTest(unittest.TestCase):
 
     def test_unusable_input(self):
         self.assertEqual(self.check([floor("between", 1)], [median("slow", 8), median("fast", 2)])[0], 2)
+        self.assertEqual(self.check([], [median("slow", 8)])[0], 2)
         self.assertEqual(subprocess.run([sys.executable, CHECK], capture_output=True, check=False).returncode, 2)
 
 

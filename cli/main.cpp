@@ -17,6 +17,7 @@
 #include <fmt/format.h>
 
 #include <cstdio>
+#include <exception>
 #include <memory>
 
 namespace {
@@ -116,9 +117,7 @@ int measure(const cli::Options &options)
     return measuring > 0 ? 0 : exitFailure;
 }
 
-} // namespace
-
-int main(int argc, char *argv[])
+int run(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("velmora-measure"));
@@ -137,4 +136,16 @@ int main(int argc, char *argv[])
     const int exitCode = openAllCameras() ? measure(options) : exitFailure;
     host::HostCore::instance().shutDown();
     return exitCode;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    try {
+        return run(argc, argv);
+    } catch (const std::exception &problem) { // out of memory: cameras are restored on the way here
+        std::fprintf(stderr, "velmora-measure: %s\n", problem.what());
+        return exitFailure;
+    }
 }

@@ -56,6 +56,7 @@ private Q_SLOTS:
     void unsupportedCounters();
     void failedCounterKeepsItsLastValue();
     void timestamps();
+    void computerStampFollowsTheCounters();
     void statistics_data();
     void statistics();
     void statisticsRestart();
@@ -182,6 +183,33 @@ void AcquisitionLoopTest::timestamps()
     for (const Line::CxCounterData *record : line.counterData)
         QVERIFY(record->computerTimestamp >= startOfRun && record->computerTimestamp <= startOfRun + longest);
     QVERIFY(line.counterData[0]->computerTimestamp <= line.counterData[1]->computerTimestamp);
+}
+
+/// The observer runs on the capturing thread, which started the timer.
+void AcquisitionLoopTest::computerStampFollowsTheCounters()
+{
+    constexpr qint64 apart = 2000; // ns; stamps are whole microseconds
+    m_engine->host.setImageSource(m_engine->camera, framesAt({1000, 2000, 3000}));
+    QList<qint64> lastReads; // microseconds since the start of the run
+    qint64 firstSelect = 0;
+    m_engine->host.observe([&, line = m_engine->line.get()](const scripted::Call &call) {
+        if (call.name == ZU_PRM_COUNTER_SELECTOR && call.value == ZU_CNT_SEL_TRANSPORT_SKIP) {
+            firstSelect = line->elapsedTimer.nsecsElapsed();
+        } else if (call.name == ZU_PRM_COUNTER_SELECTOR && call.value == ZU_CNT_SEL_BUFFER_OVERFLOW) {
+            qint64 now = line->elapsedTimer.nsecsElapsed();
+            while (now < firstSelect + apart) // a faster read would show nothing
+                now = line->elapsedTimer.nsecsElapsed();
+            lastReads.append(now / 1000);
+        }
+    });
+    QVERIFY(m_engine->run(3, 512, 1000));
+
+    const Line &line = *m_engine->line;
+    QCOMPARE(lastReads.size(), 3);
+    QCOMPARE(line.counterData.size(), 3);
+    const qint64 startOfRun = line.counterData[0]->cameraTimestamp - 1000;
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(line.counterData[i]->computerTimestamp - startOfRun >= lastReads[i]);
 }
 
 void AcquisitionLoopTest::statistics_data()

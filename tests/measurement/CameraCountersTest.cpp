@@ -112,7 +112,7 @@ void CameraCountersTest::valueOfACounter()
     QCOMPARE(m_engine->line->GetCounterValue(ZU_CNT_SEL_API_SKIP), 0);
     QCOMPARE(m_engine->line->GetCounterValue(ZU_COUNTER_SELECTOR(6)), 0);
 
-    // The mutex is held as long as the value is looked up, and then no longer.
+    // No call has left the mutex locked.
     QVERIFY(m_engine->line->mutex.tryLock());
     m_engine->line->mutex.unlock();
 }

@@ -70,6 +70,7 @@ private Q_SLOTS:
     void sizesOfTheRecordOnly();
     void timestamps();
     void computerTimestampsGoOn();
+    void computerStampFollowsTheSampling();
     void statistics();
     void statisticsRestart();
     void emptyFrameCountsInTheStatistics();
@@ -263,6 +264,26 @@ void ThroughputLoopTest::computerTimestampsGoOn()
         const qint64 sinceStart = line.frames[i]->computerTimestamp - startOfRun;
         QVERIFY(sinceStart >= bounds[i] && sinceStart <= bounds[i + 1]);
     }
+}
+
+void ThroughputLoopTest::computerStampFollowsTheSampling()
+{
+    // Every word of 8 MB is copied, for which no processor is fast enough.
+    constexpr qint64 shortestSampling = 20; // microseconds
+    EngineFixture engine;
+    CounterFrames frames;
+    frames.width = frames.height = 2048;
+    QList<qint64> captured; // microseconds since the start of the run
+    engine.host.setImageSource(engine.camera, [&, line = engine.line.get()](ZU_IMG &image) {
+        frames(image);
+        captured.append(line->elapsedTimer.nsecsElapsed() / 1000);
+        return true;
+    });
+    QVERIFY(engine.run(3, 8, 3000000));
+    QCOMPARE(engine.line->frames.size(), 3);
+    const qint64 startOfRun = engine.line->frames[0]->cameraTimestamp - 1000000;
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(engine.line->frames[i]->computerTimestamp - startOfRun >= captured[i] + shortestSampling);
 }
 
 void ThroughputLoopTest::statistics()

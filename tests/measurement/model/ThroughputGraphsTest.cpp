@@ -17,6 +17,8 @@ private Q_SLOTS:
     void graphsMayBeAbsent();
     void noRangeNoPoints();
     void computerTime();
+    void resetReachesThePass_data();
+    void resetReachesThePass();
 
 private:
     bool calculate(QCPGraph *speeds, QCPGraph *levels, const QCPRange *range, double msPerPixel = 0.0);
@@ -106,6 +108,37 @@ void ThroughputGraphsTest::computerTime()
     QCOMPARE(m_speeds->data()->at(0)->key, -999980.0 / 1000000.0);
     QVERIFY(!m_recorded->line.calculateGraphsThrougput(m_speeds, m_levels, &range, 500000, 2000000,
                                                        TimestampOriginComputer, 0.0, false));
+}
+
+void ThroughputGraphsTest::resetReachesThePass_data()
+{
+    QTest::addColumn<bool>("reset");
+    QTest::addColumn<bool>("graphs");
+    QTest::addColumn<double>("highest"); // percent
+    QTest::addColumn<double>("last");
+    QTest::newRow("carried, graphs") << false << true << 30.0 << 30.0;
+    QTest::newRow("carried, statistics only") << false << false << 30.0 << 30.0;
+    QTest::newRow("reset, graphs") << true << true << 20.0 << 10.0;
+    QTest::newRow("reset, statistics only") << true << false << 20.0 << 10.0;
+}
+
+void ThroughputGraphsTest::resetReachesThePass()
+{
+    QFETCH(bool, reset);
+    QFETCH(bool, graphs);
+    QFETCH(double, highest);
+    QFETCH(double, last);
+    // The second frame begins where the first ends: nothing drains in between.
+    RecordedLine recorded;
+    recorded.addFrame(1000, {0, 10, 20, 30, 40});
+    recorded.addFrame(1040, {0, 10, 20});
+    const QCPRange range(-1.5, 0.0);
+    QVERIFY(recorded.line.calculateGraphsThrougput(m_speeds, m_levels, graphs ? &range : nullptr, 1000, 3000,
+                                                   TimestampOriginCamera, 0.0, reset));
+    QCOMPARE(recorded.line.maxBufferLevel, highest);
+    QCOMPARE(m_levels->data()->size(), graphs ? 5 : 0);
+    if (graphs)
+        QCOMPARE(m_levels->data()->at(4)->value, last);
 }
 
 QTEST_MAIN(ThroughputGraphsTest)

@@ -17,6 +17,14 @@ const QString allocationFailure =
     QStringLiteral("CxCameraLineData::calculateGraphsThrougput(): Failed to allocate temporary buffers for "
                    "internal calculations");
 
+void addEmptyWindows()
+{
+    QTest::addColumn<qint64>("from");
+    QTest::addColumn<qint64>("to");
+    QTest::newRow("all frames older") << qint64(100000) << qint64(101000);
+    QTest::newRow("all frames newer") << qint64(-101000) << qint64(-100000);
+}
+
 } // namespace
 
 /// The engine's scratch arrays around a pass.
@@ -30,6 +38,10 @@ private Q_SLOTS:
     void nothingIsAllocatedAgain();
     void noArraysInAcquisitionMode();
     void moreThanTheArraysCanHold();
+    void sizedBeforeTheWindowIsLookedAt_data();
+    void sizedBeforeTheWindowIsLookedAt();
+    void failsBeforeTheWindowIsLookedAt_data();
+    void failsBeforeTheWindowIsLookedAt();
 };
 
 void ThroughputScratchTest::sizeFollowsTheFrames_data()
@@ -107,6 +119,47 @@ void ThroughputScratchTest::moreThanTheArraysCanHold()
     QVERIFY(!recorded.line.calculateStatisticsThroughput(0, 2000, TimestampOriginCamera, false));
     QCOMPARE(log.messages(), QStringList(allocationFailure));
     QCOMPARE(recorded.line.calcBufSize, quint64(0));
+}
+
+void ThroughputScratchTest::sizedBeforeTheWindowIsLookedAt_data()
+{
+    addEmptyWindows();
+}
+
+void ThroughputScratchTest::sizedBeforeTheWindowIsLookedAt()
+{
+    QFETCH(qint64, from);
+    QFETCH(qint64, to);
+    RecordedLine recorded;
+    recorded.addFrame(1000, evenFrame(801));
+    recorded.addFrame(20000, evenFrame(40));
+    recorded.line.maxBufferLevel = 3.5;
+    QVERIFY(!recorded.evaluate(from, to));
+    QCOMPARE(recorded.line.calcBufSize, quint64(800));
+    QVERIFY(recorded.line.linkSpeedBuf);
+    QVERIFY(recorded.line.bufferDeltaBuf);
+    QVERIFY(recorded.line.sampleTimeBuf);
+    QCOMPARE(recorded.line.maxBufferLevel, 0.0);
+}
+
+void ThroughputScratchTest::failsBeforeTheWindowIsLookedAt_data()
+{
+    addEmptyWindows();
+}
+
+void ThroughputScratchTest::failsBeforeTheWindowIsLookedAt()
+{
+    QFETCH(qint64, from);
+    QFETCH(qint64, to);
+    RecordedLine recorded;
+    recorded.addFrame(1000, evenFrame(5)).sampleCount = (Q_UINT64_C(1) << 32) + 5;
+    recorded.addFrame(20000, evenFrame(40));
+    recorded.line.maxBufferLevel = 3.5;
+    const LogCapture log;
+    QVERIFY(!recorded.line.calculateStatisticsThroughput(from, to, TimestampOriginCamera, false));
+    QCOMPARE(log.messages(), QStringList(allocationFailure));
+    QCOMPARE(recorded.line.calcBufSize, quint64(0));
+    QCOMPARE(recorded.line.maxBufferLevel, 3.5);
 }
 
 QTEST_APPLESS_MAIN(ThroughputScratchTest)

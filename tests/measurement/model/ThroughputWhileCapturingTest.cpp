@@ -1,3 +1,4 @@
+#include "measurement/ThroughputEngine.h"
 #include "tests/measurement/model/RecordedLine.h"
 
 #include <QMutexLocker>
@@ -5,6 +6,46 @@
 
 #include <memory>
 #include <thread>
+
+namespace {
+
+/// Whether a thread that is not the caller's could take the mutex now.
+bool isFree(QMutex &mutex)
+{
+    bool taken = false;
+    std::thread other([&] {
+        taken = mutex.tryLock();
+        if (taken)
+            mutex.unlock();
+    });
+    other.join();
+    return taken;
+}
+
+/// Tries the engine's mutex at every point.
+class LockProbe final : public measurement::throughput::PointSink
+{
+public:
+    explicit LockProbe(QMutex &mutex)
+        : m_mutex(mutex)
+    {
+    }
+
+    void addPoint(qint64, double, double) override
+    {
+        ++points;
+        if (isFree(m_mutex))
+            ++free;
+    }
+
+    int points = 0;
+    int free = 0; ///< of the points, those at which the mutex was free
+
+private:
+    QMutex &m_mutex;
+};
+
+} // namespace
 
 /// A pass while another thread adds records and drops the oldest, as a running
 /// measurement does.
@@ -14,6 +55,7 @@ class ThroughputWhileCapturingTest : public QObject
 
 private Q_SLOTS:
     void passesSeeWholeLists();
+    void mutexIsHeldAtEveryPoint();
 };
 
 void ThroughputWhileCapturingTest::passesSeeWholeLists()
@@ -42,6 +84,26 @@ void ThroughputWhileCapturingTest::passesSeeWholeLists()
     QVERIFY(line.calculateStatisticsThroughput(0, 1000000, TimestampOriginCamera, true));
     QCOMPARE(line.frames.size(), kept);
     QCOMPARE(line.minThroughput, 50.0);
+}
+
+void ThroughputWhileCapturingTest::mutexIsHeldAtEveryPoint()
+{
+    RecordedLine recorded;
+    for (int i = 0; i < 12; ++i)
+        recorded.addFrame(1000 + i * 100, {0, 10, 20});
+    CxCameraLineData &line = recorded.line;
+    QVERIFY(isFree(line.mutex));
+
+    LockProbe probe(line.mutex);
+    const measurement::ThroughputWindow window = {0, 1000000, TimestampOriginCamera, 0.0, false};
+    QVERIFY(measurement::evaluateThroughput(line, window, &probe));
+    QCOMPARE(probe.points, 23); // the very first interval only begins the spacing
+    QCOMPARE(probe.free, 0);
+    QVERIFY(isFree(line.mutex));
+
+    const measurement::ThroughputWindow empty = {5000000, 5000100, TimestampOriginCamera, 0.0, false};
+    QVERIFY(!measurement::evaluateThroughput(line, empty, &probe));
+    QVERIFY(isFree(line.mutex));
 }
 
 QTEST_APPLESS_MAIN(ThroughputWhileCapturingTest)
