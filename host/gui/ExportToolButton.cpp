@@ -103,8 +103,9 @@ void CxExportToolButton::exportImage(const QImage &image, ExExportType type, QWi
 }
 
 // The windows below run event loops in which everything may go: the parent, and
-// with it the window itself, and the program's delegate.
+// with it the window itself, and the program's delegate. Hence the copies.
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void CxExportToolButton::Private::exportToFile(QImage image, QPointer<QWidget> parent,
                                                const QString &fileFilter)
 {
