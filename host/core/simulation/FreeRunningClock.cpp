@@ -18,7 +18,7 @@ Ticks FreeRunningClock::now()
 Clock::WaitEnd FreeRunningClock::waitUntil(Ticks deadline, const Interrupt &interrupt, std::uint64_t seen)
 {
     std::unique_lock lock(m_mutex);
-    const auto self = m_deadlines.insert(m_deadlines.end(), deadline);
+    const auto self = m_waiters.insert(m_waiters.end(), {deadline, &interrupt, seen});
     m_changed.notify_all(); // runUntil() looks at the waiters
     auto end = WaitEnd::DeadlineReached;
     for (;;) {
@@ -38,7 +38,7 @@ Clock::WaitEnd FreeRunningClock::waitUntil(Ticks deadline, const Interrupt &inte
         }
         m_changed.wait(lock);
     }
-    m_deadlines.erase(self);
+    m_waiters.erase(self);
     m_changed.notify_all(); // another waiter may be the earliest now
     return end;
 }
@@ -72,13 +72,22 @@ void FreeRunningClock::advance(Ticks duration)
 
 bool FreeRunningClock::isEarliest(Ticks deadline) const
 {
-    return std::ranges::all_of(m_deadlines, [deadline](Ticks other) { return deadline <= other; });
+    return std::ranges::all_of(m_waiters, [deadline](const Waiter &other) {
+        return deadline <= other.deadline || isRaised(*other.interrupt, other.seen);
+    });
 }
 
 bool FreeRunningClock::areBlocked(std::size_t waiters) const
 {
-    return m_deadlines.size() >= waiters &&
-           std::ranges::all_of(m_deadlines, [this](Ticks deadline) { return deadline > m_limit; });
+    std::size_t waiting = 0;
+    for (const Waiter &waiter : m_waiters) {
+        if (isRaised(*waiter.interrupt, waiter.seen))
+            continue;
+        if (waiter.deadline <= m_limit)
+            return false;
+        ++waiting;
+    }
+    return waiting >= waiters;
 }
 
 } // namespace host

@@ -43,6 +43,15 @@ public:
     void advance(Ticks duration);
 
 private:
+    struct Waiter
+    {
+        Ticks deadline;
+        const Interrupt *interrupt;
+        std::uint64_t seen;
+    };
+
+    /// Both leave out waiters whose interrupt was raised: they wait no more,
+    /// although they may not have woken yet.
     bool isEarliest(Ticks deadline) const;
     bool areBlocked(std::size_t waiters) const;
 
@@ -50,7 +59,7 @@ private:
     Ticks m_now = 0;
     Ticks m_limit;
     bool m_released = false;
-    std::list<Ticks> m_deadlines; ///< of the threads that wait
+    std::list<Waiter> m_waiters;
 };
 
 } // namespace host

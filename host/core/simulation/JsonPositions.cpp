@@ -12,7 +12,42 @@ namespace {
 
 using nlohmann::json;
 
+// The positions keep a whole pointer for each value and key, so these bound the
+// memory that a hostile text can ask for.
 constexpr std::size_t MaxDepth = 32;
+constexpr std::size_t MaxKeyCharacters = 64;
+constexpr int MaxValues = 20'000;
+
+// Bytes of a text that a message repeats.
+constexpr std::size_t MaxQuotedBytes = 80;
+
+bool continuesCharacter(char c)
+{
+    return (static_cast<unsigned char>(c) & 0xc0U) == 0x80U;
+}
+
+std::size_t characterCount(std::string_view utf8)
+{
+    return utf8.size() - static_cast<std::size_t>(std::ranges::count_if(utf8, continuesCharacter));
+}
+
+void appendEscaped(std::string &result, std::string_view text)
+{
+    constexpr char Digits[] = "0123456789abcdef";
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        auto code = static_cast<unsigned char>(text[i]);
+        bool isControl = code < 0x20 || code == 0x7f;
+        // U+0080 to U+009F, some of which steer terminals too
+        if (code == 0xc2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xa0) {
+            code = static_cast<unsigned char>(text[++i]);
+            isControl = true;
+        }
+        if (isControl)
+            result.append("\\u00").append({Digits[code >> 4U], Digits[code & 0xfU]});
+        else
+            result += text[i];
+    }
+}
 
 /// Feeds the parser and tells how far it has read.
 class CountingIterator
@@ -84,10 +119,13 @@ public:
 
     bool key(string_t &val) override
     {
-        m_open.back().step = pointerStep(val);
         const std::size_t offset = takeTokenStart();
+        if (characterCount(val) > MaxKeyCharacters)
+            return fail(offset, "the key " + inQuotes(val) + " is longer than " +
+                                    std::to_string(MaxKeyCharacters) + " characters");
+        m_open.back().step = pointerStep(val);
         if (!m_positions.keys.emplace(pointer(), offset).second)
-            return fail(offset, "duplicate key \"" + val + "\"");
+            return fail(offset, "duplicate key " + inQuotes(val));
         return true;
     }
 
@@ -133,22 +171,23 @@ private:
         return start;
     }
 
-    void beginValue()
+    bool beginValue()
     {
+        const std::size_t offset = takeTokenStart();
+        if (++m_valueCount > MaxValues)
+            return fail(offset, "too many values: a file can have at most " + std::to_string(MaxValues));
         if (!m_open.empty() && m_open.back().isArray)
             m_open.back().step = pointerStep(std::to_string(m_open.back().index++));
-        m_positions.values.emplace(pointer(), takeTokenStart());
-    }
-
-    bool scalar()
-    {
-        beginValue();
+        m_positions.values.emplace(pointer(), offset);
         return true;
     }
 
+    bool scalar() { return beginValue(); }
+
     bool startContainer(bool isArray)
     {
-        beginValue();
+        if (!beginValue())
+            return false;
         if (m_open.size() >= MaxDepth)
             return fail(m_tokenEnd - 1, "nested too deeply");
         m_open.push_back({isArray});
@@ -167,6 +206,7 @@ private:
     JsonPositions &m_positions;
     std::vector<Container> m_open;
     std::size_t m_tokenEnd = 0;
+    int m_valueCount = 0;
 };
 
 } // namespace
@@ -201,6 +241,31 @@ JsonPositions locateJson(std::string_view text)
     json::sax_parse(CountingIterator(text.data(), handler.furthest()),
                     CountingIterator(text.data() + text.size(), handler.furthest()), &handler);
     return positions;
+}
+
+std::string printable(std::string_view text, std::size_t maxBytes)
+{
+    std::string result;
+    if (text.size() <= maxBytes) {
+        appendEscaped(result, text);
+        return result;
+    }
+    // The end of a parser's message tells as much as its beginning.
+    std::size_t head = maxBytes * 2 / 3;
+    while (head > 0 && continuesCharacter(text[head]))
+        --head;
+    std::size_t tail = text.size() - maxBytes / 3;
+    while (tail < text.size() && continuesCharacter(text[tail]))
+        ++tail;
+    appendEscaped(result, text.substr(0, head));
+    result += "...";
+    appendEscaped(result, text.substr(tail));
+    return result;
+}
+
+std::string inQuotes(std::string_view text)
+{
+    return '"' + printable(text, MaxQuotedBytes) + '"';
 }
 
 std::string pointerStep(std::string_view key)

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <set>
 
@@ -14,6 +15,8 @@ namespace {
 using nlohmann::json;
 
 constexpr std::size_t MaxFileBytes = std::size_t{1024} * 1024;
+constexpr std::size_t MaxMessageBytes = 400;
+constexpr std::size_t MaxPointerBytes = 200;
 // Shorter ones would make the arithmetic of a frame arbitrarily long.
 constexpr Ticks MinJitterSlot = 10 * TicksPerMicrosecond;
 constexpr Ticks MinStallPeriod = 100 * TicksPerMicrosecond;
@@ -66,7 +69,7 @@ private:
         settings.linkMBps = camera.at("link_MBps").get<double>();
         settings.buffersQueueMax = camera.value("buffers_queue_max", settings.buffersQueueMax);
         if (!m_serials.insert(settings.serial).second)
-            report(pointer + "/serial", "another camera has the serial number \"" + settings.serial + "\"");
+            report(pointer + "/serial", "another camera has the serial number " + inQuotes(settings.serial));
         if (std::int64_t{settings.width} * settings.height > MaxFrameBytes / MaxBytesPerPixel)
             report(pointer + "/width", "a frame of width x height pixels would not fit into " +
                                            std::to_string(MaxFrameBytes) + " bytes");
@@ -155,7 +158,7 @@ private:
     void checkName(const std::string &name, const std::string &pointer)
     {
         if (!isParameterName(name))
-            report(pointer, "there is no parameter \"" + name + "\"");
+            report(pointer, "there is no parameter " + inQuotes(name));
     }
 
     static FaultSettings::Unit unitByName(const std::string &name)
@@ -172,7 +175,7 @@ private:
 ScenarioResult failure(const std::string &fileName, TextPosition position, const std::string &message)
 {
     return {std::nullopt, fileName + ":" + std::to_string(position.line) + ":" +
-                              std::to_string(position.column) + ": " + message};
+                              std::to_string(position.column) + ": " + printable(message, MaxMessageBytes)};
 }
 
 ScenarioResult failure(const std::string &fileName, std::string_view text, const JsonPositions &positions,
@@ -181,7 +184,8 @@ ScenarioResult failure(const std::string &fileName, std::string_view text, const
     const auto key = positions.keys.find(problem.pointer);
     const std::size_t offset =
         problem.atKey && key != positions.keys.end() ? key->second : positions.find(problem.pointer);
-    const std::string place = problem.pointer.empty() ? "the document" : problem.pointer;
+    const std::string place =
+        problem.pointer.empty() ? "the document" : printable(problem.pointer, MaxPointerBytes);
     return failure(fileName, textPosition(text, offset), place + ": " + problem.message);
 }
 
@@ -206,11 +210,15 @@ ScenarioResult parseScenario(std::string_view text, const std::string &fileName)
 
 ScenarioResult loadScenario(const std::string &path)
 {
+    // Reading a pipe or a device might never end.
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(path, ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        return failure(path, {}, "cannot be read: not a regular file");
     std::ifstream file(path, std::ios::binary);
     std::string text(MaxFileBytes + 1, '\0');
     if (file)
         file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    // Reading a folder fails only here.
     if (!file.is_open() || file.bad())
         return failure(path, {}, std::string("cannot be read: ") + std::strerror(errno));
     text.resize(static_cast<std::size_t>(file.gcount()));

@@ -36,6 +36,57 @@ const valijson::Schema &compiledSchema()
     return schema;
 }
 
+const json &resolved(const json &schema)
+{
+    if (!schema.contains("$ref"))
+        return schema;
+    return schemaDocument().at(json::json_pointer(schema.at("$ref").get<std::string>().substr(1)));
+}
+
+/// Whole numbers that every JSON reader keeps exactly. The validation library
+/// takes them for signed ones, so that the largest unsigned one passes as -1.
+bool isBeyondExactIntegers(const json &value)
+{
+    constexpr std::int64_t Largest = (std::int64_t{1} << 53) - 1;
+    if (value.is_number_unsigned())
+        return value.get<std::uint64_t>() > static_cast<std::uint64_t>(Largest);
+    return value.is_number_integer() && value.get<std::int64_t>() < -Largest;
+}
+
+/// What the library would find too late or not at all: it gathers the errors of
+/// every element of a list before it looks at the list's length.
+std::optional<ScenarioProblem> checkSizes(const json &value, const json &reference,
+                                          const std::string &pointer)
+{
+    const json &schema = resolved(reference);
+    const std::string expected = schema.value("description", std::string());
+    if (isBeyondExactIntegers(value))
+        return ScenarioProblem{pointer, "a number beyond 9007199254740991. Expected: " + expected + ".",
+                               false};
+    if (value.is_array() && schema.contains("items")) {
+        const auto most = schema.at("maxItems").get<std::size_t>();
+        if (value.size() > most)
+            return ScenarioProblem{pointer,
+                                   "must have at most " + std::to_string(most) +
+                                       " elements. Expected: " + expected + ".",
+                                   false};
+        for (std::size_t i = 0; i < value.size(); ++i) {
+            if (auto problem = checkSizes(value[i], schema.at("items"), pointer + '/' + std::to_string(i)))
+                return problem;
+        }
+    }
+    if (value.is_object() && schema.contains("properties")) {
+        const json &properties = schema.at("properties");
+        for (const auto &[key, member] : value.items()) {
+            if (!properties.contains(key))
+                continue; // the library refuses it
+            if (auto problem = checkSizes(member, properties.at(key), pointer + pointerStep(key)))
+                return problem;
+        }
+    }
+    return std::nullopt;
+}
+
 /// The library names a place as "<root>", "[member]", "[0]".
 std::string pointerFromContext(const std::vector<std::string> &context)
 {
@@ -57,9 +108,7 @@ std::string expectation(const std::vector<std::string> &context)
             schema = &schema->at("items");
         else
             return {};
-        if (schema->contains("$ref"))
-            schema =
-                &schemaDocument().at(json::json_pointer(schema->at("$ref").get<std::string>().substr(1)));
+        schema = &resolved(*schema);
     }
     return schema->value("description", std::string());
 }
@@ -80,7 +129,7 @@ ScenarioProblem toProblem(const valijson::ValidationResults::Error &error)
     ScenarioProblem problem{pointerFromContext(error.context), error.description, false};
     if (const auto member = unknownMember(error.description)) {
         problem.pointer += pointerStep(*member);
-        problem.message = std::string("unknown key \"").append(*member).append("\"");
+        problem.message = "unknown key " + inQuotes(*member);
         problem.atKey = true;
         return problem;
     }
@@ -93,6 +142,8 @@ ScenarioProblem toProblem(const valijson::ValidationResults::Error &error)
 
 std::optional<ScenarioProblem> validateScenarioDocument(const json &document)
 {
+    if (auto problem = checkSizes(document, schemaDocument(), {}))
+        return problem;
     valijson::Validator validator;
     valijson::ValidationResults results;
     if (validator.validate(compiledSchema(), NlohmannJsonAdapter(document), &results))

@@ -90,7 +90,7 @@ std::vector<ParameterDescription> SimulatedCamera::parameters() const
 bool SimulatedCamera::readParameter(std::string_view name, std::int64_t &value)
 {
     const std::lock_guard lock(m_mutex);
-    return isUsable() && m_parameters.read(name, currentLedger(), value);
+    return isUsable() && m_parameters.read(name, counterLedger(), value);
 }
 
 bool SimulatedCamera::readMaximum(std::string_view name, std::int64_t &value)
@@ -213,6 +213,7 @@ void SimulatedCamera::unplugIfDue(Ticks now) const
         m_plug = Plug::BackIn;
         ++m_connectionCount;
         m_parameters.reset();
+        m_countersCleared = true;
         m_stampOrigin = *m_firstOpened + *unplug.backAfter;
     }
 }
@@ -222,6 +223,7 @@ void SimulatedCamera::endStream() const
     if (!m_stream)
         return;
     m_lastLedger = m_stream->ledger();
+    m_countersCleared = false;
     m_stream.reset();
 }
 
@@ -268,6 +270,12 @@ StreamSettings SimulatedCamera::streamSettings(Ticks start)
     settings.captureFailureEvery = m_settings.faults.captureFailureEvery;
     settings.stampOffset = start - m_stampOrigin;
     return settings;
+}
+
+const Ledger &SimulatedCamera::counterLedger() const
+{
+    static const Ledger empty;
+    return !m_stream && m_countersCleared ? empty : currentLedger();
 }
 
 const Ledger &SimulatedCamera::currentLedger() const

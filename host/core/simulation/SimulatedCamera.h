@@ -58,6 +58,7 @@ private:
     bool allocateBuffer(std::size_t bytes);
     StreamSettings streamSettings(Ticks start);
     const Ledger &currentLedger() const;
+    const Ledger &counterLedger() const;
 
     const CameraSettings m_settings;
     const std::uint64_t m_seed;
@@ -71,6 +72,7 @@ private:
     mutable CameraParameterSet m_parameters;
     mutable std::unique_ptr<Stream> m_stream; ///< null: not streaming
     mutable Ledger m_lastLedger;              ///< of the stream that ended last
+    mutable bool m_countersCleared = false;   ///< by a loss of power since that stream
     mutable Plug m_plug = Plug::In;
     mutable unsigned int m_connectionCount = 1;
     mutable bool m_open = false;

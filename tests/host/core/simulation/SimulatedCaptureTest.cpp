@@ -39,6 +39,7 @@ private Q_SLOTS:
     void unpluggedCameraIsGone();
     void unplugDuringACapture();
     void cameraComesBack();
+    void countersRestartWithThePower();
 };
 
 void SimulatedCaptureTest::timeOut_data()
@@ -229,6 +230,25 @@ void SimulatedCaptureTest::cameraComesBack()
     QVERIFY(camera.captureImage(opening, 5s, image));
     // The time stamp restarted with the power, 100 000 000 ticks ago.
     QCOMPARE(microseconds(image), std::int64_t{400'000});
+}
+
+void SimulatedCaptureTest::countersRestartWithThePower()
+{
+    CameraSettings settings = smallCamera();
+    settings.faults.unplug = UnplugSettings{10'000, 20'000};
+    CameraOnClock on(settings);
+    QVERIFY(on.camera.startAcquisition());
+    on.clock->advance(9999);
+    QCOMPARE(on.counter(ZU_CNT_SEL_TRANSFERRED), std::int64_t{2});
+    on.clock->advance(10'001);
+    on.opening = on.camera.open();
+    QVERIFY(on.opening);
+    QCOMPARE(on.counter(ZU_CNT_SEL_TRANSFERRED), std::int64_t{0});
+    QCOMPARE(on.truth(Entry::Transferred), std::int64_t{2}); // the truth forgets nothing
+    QVERIFY(on.camera.startAcquisition());
+    QVERIFY(on.capture());
+    QVERIFY(on.camera.stopAcquisition());
+    QCOMPARE(on.counter(ZU_CNT_SEL_TRANSFERRED), std::int64_t{1});
 }
 
 QTEST_APPLESS_MAIN(SimulatedCaptureTest)

@@ -4,6 +4,7 @@
 #include <QTest>
 
 #include <thread>
+#include <vector>
 
 using namespace host;
 using WaitEnd = Clock::WaitEnd;
@@ -20,6 +21,7 @@ private Q_SLOTS:
     void runUntilGivesUpWithoutAWaiter();
     void releaseEndsBlockedWaits();
     void raiseEndsABlockedWait();
+    void runUntilCountsNoRaisedWaiter();
     void advanceMovesTimeAndLimit();
     void sharedClockServesTheEarliestFirst();
     void realTimeWaitLastsAsLongAsAsked();
@@ -119,6 +121,24 @@ void SimulationClocksTest::raiseEndsABlockedWait()
     clock.raise(interrupt);
     thread.join();
     QCOMPARE(end, WaitEnd::Interrupted);
+}
+
+void SimulationClocksTest::runUntilCountsNoRaisedWaiter()
+{
+    FreeRunningClock clock(0);
+    Clock::Interrupt interrupt;
+    // So many that at least one is still asleep when the raise is followed at once.
+    constexpr std::size_t Waiters = 16;
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < Waiters; ++i)
+        threads.emplace_back([&] { clock.waitUntil(5000, interrupt, 0); });
+    QVERIFY(clock.runUntil(0, Waiters));
+    clock.raise(interrupt);
+    const bool blocked = clock.runUntil(1000, 1, std::chrono::milliseconds(0));
+    for (std::thread &thread : threads)
+        thread.join();
+    QVERIFY(!blocked);
+    QCOMPARE(clock.now(), Ticks{0});
 }
 
 void SimulationClocksTest::advanceMovesTimeAndLimit()
