@@ -1,0 +1,180 @@
+#include "ui/DataGraphForm.h"
+
+#include "measurement/Log.h"
+#include "ui/CellWidgets.h"
+#include "ui_DataGraphForm.h"
+#include "zuCore/CxCameraManager.h"
+#include "zuCore/CxCameraParameters.h"
+
+namespace {
+
+int rowOfCamera(const QTableWidget *table, void *camera)
+{
+    for (int row = 0; row < table->rowCount(); ++row) {
+        const QTableWidgetItem *item = table->item(row, throughputColumn::Camera);
+        if (item && cameraHandle(item) == camera)
+            return row;
+    }
+    return -1;
+}
+
+QString displayName(const CxCameraInfo &info)
+{
+    const QString identifier = info.userId.isEmpty() ? info.serialNumber : info.userId;
+    return info.modelName + QStringLiteral(" (") + identifier + QLatin1Char(')');
+}
+
+void clearPlotTable(QTableWidget *table)
+{
+    table->clear();
+    table->horizontalHeader()->hide();
+    table->verticalHeader()->hide();
+}
+
+/// Every row shows, with a horizontal scroll bar or without.
+void fitHeight(QTableWidget *table)
+{
+    constexpr int frame = 3;
+    // The header has its new height only once the table has been laid out.
+    int height = table->style()->pixelMetric(QStyle::PM_ScrollBarExtent) +
+                 table->horizontalHeader()->sizeHint().height() + frame;
+    table->resizeRowsToContents();
+    for (int row = 0; row < table->rowCount(); ++row)
+        height += table->rowHeight(row);
+    table->setFixedHeight(height);
+}
+
+} // namespace
+
+void CxDataGraphForm::updateCameraList()
+{
+    ui->table->clear();
+    m_plotCheckBoxes.clear();
+    clearPlotTable(ui->tablePlotCheck);
+
+    const QList<ZUCORE_HANDLE> opened = CxCameraManager::instance()->openedCameras();
+    ui->btnStartAll->setEnabled(!opened.isEmpty());
+    ui->table->setRowCount(opened.size());
+    switch (m_measureMode) {
+    case MeasureModeThroughput:
+        AddTableItemsThrougput();
+        break;
+    default:
+        cxLogFailure("CxDataGraphForm::updateCameraList", "Unknown measurement mode is selected");
+        return;
+    }
+    updateColumnNames();
+
+    const QList<void *> known = m_cameraLines.keys();
+    for (void *camera : known) {
+        if (!opened.contains(camera))
+            removeCameraLine(camera);
+    }
+
+    on_btnResetZoom_clicked();
+    on_resetPan_clicked();
+    fitHeight(ui->table);
+}
+
+void CxDataGraphForm::updateCameraListRow(ZUCORE_HANDLE hCam)
+{
+    CxCameraLineData *line = m_cameraLines.value(hCam);
+    if (!line)
+        return;
+    int measureColumn = 0;
+    switch (m_measureMode) {
+    case MeasureModeThroughput:
+        measureColumn = throughputColumn::Measure;
+        break;
+    default:
+        cxLogFailure("CxDataGraphForm::updateCameraListRow", "Unknown measurement mode is selected");
+        return;
+    }
+    const int row = rowOfCamera(ui->table, hCam);
+    if (row < 0)
+        return;
+
+    const bool hostAcquires = CxCameraManager::instance()->isCameraRunning(hCam);
+    QString status = line->isMeasurementRunning() ? tr("Testing") : tr("Stopped");
+    if (hostAcquires)
+        status = tr("Acq");
+    updateTableItem(row, throughputColumn::Status, status);
+    if (QWidget *button = ui->table->cellWidget(row, measureColumn))
+        button->setEnabled(!hostAcquires);
+
+    updateTableItem(row, throughputColumn::AvgThroughput, cells::wholeNumber(line->avgThroughput));
+    updateTableItem(row, throughputColumn::MinThroughput, cells::wholeNumber(line->minThroughput));
+    updateTableItem(row, throughputColumn::MaxBufferLevel,
+                    cells::wholeNumber(line->maxBufferLevel) + QStringLiteral(" %"));
+    updateTableItem(row, throughputColumn::BufferOverflowCount, QString::number(line->bufferOverflowCount));
+}
+
+void CxDataGraphForm::removeCameraListRow(ZUCORE_HANDLE hCam)
+{
+    if (!m_cameraLines.contains(hCam))
+        return;
+    removeCameraLine(hCam);
+    const int row = rowOfCamera(ui->table, hCam);
+    if (row >= 0)
+        ui->table->removeRow(row);
+    if (CxCameraManager::instance()->openedCameras().isEmpty())
+        ui->btnStartAll->setEnabled(false);
+}
+
+CxCameraLineData *CxDataGraphForm::addCameraLine(ZUCORE_HANDLE hCam, const CxCameraInfo &info)
+{
+    auto *line = new CxCameraLineData;
+    line->cameraHandle = hCam;
+    setDefaultCameraSettings(line);
+    line->cameraName = displayName(info);
+    m_cameraLines.insert(hCam, line);
+    return line;
+}
+
+void CxDataGraphForm::removeCameraLine(void *hCam)
+{
+    CxCameraLineData *line = m_cameraLines.value(hCam);
+    const bool measured = line->stopMeasurement();
+    m_cameraLines.remove(hCam);
+    delete line;
+    // It may have been the last one that kept the setup out of reach.
+    if (measured)
+        DisableUiForMeasurement(hCam, false);
+}
+
+void CxDataGraphForm::AddTableItem(int col, const QString &header, const QString &toolTip)
+{
+    auto *item = new QTableWidgetItem(header);
+    if (!toolTip.isEmpty())
+        item->setData(Qt::ToolTipRole, toolTip);
+    ui->table->setHorizontalHeaderItem(col, item);
+}
+
+void CxDataGraphForm::AddPlotTableItem(int row, const QString &name, const QString &toolTip,
+                                       const QColor &color)
+{
+    const cells::CheckCell cell = cells::makeCheck(nullptr);
+    setPlotName(cell.check, name);
+    m_plotCheckBoxes.append(cell.check);
+
+    // The name also tells the graphs apart; only its display is translated.
+    QTableWidgetItem *item = cells::makeCentredItem(tr(name.toUtf8().constData()));
+    item->setForeground(color);
+    item->setToolTip(toolTip);
+
+    ui->tablePlotCheck->setCellWidget(row, 0, cell.container);
+    ui->tablePlotCheck->setItem(row, 1, item);
+}
+
+void CxDataGraphForm::updateTableItem(int row, int col, const QString &val)
+{
+    if (QTableWidgetItem *item = ui->table->item(row, col))
+        item->setText(val);
+}
+
+void CxDataGraphForm::DisableTableWidget(int row, int col, void *hCam, bool disable)
+{
+    QWidget *widget = ui->table->cellWidget(row, col);
+    if (widget && cameraHandle(widget) == hCam)
+        widget->setEnabled(!disable);
+}

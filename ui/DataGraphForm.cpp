@@ -1,0 +1,67 @@
+#include "ui/DataGraphForm.h"
+
+#include "ui/CellWidgets.h"
+#include "ui/TimeAxis.h"
+#include "ui_DataGraphForm.h"
+#include "zuCore/CxCameraManager.h"
+#include "zuCoreGui/IxAppDelegate.h"
+
+namespace {
+
+constexpr int refreshPeriodMs = 1000;
+
+void allowTimeNavigation(QCustomPlot *plot)
+{
+    plot->setInteraction(QCP::iRangeDrag);
+    plot->setInteraction(QCP::iRangeZoom);
+    plot->setNoAntialiasingOnDrag(true);
+}
+
+void setUpTable(QTableWidget *table)
+{
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table->setFocusPolicy(Qt::NoFocus);
+    table->setSelectionMode(QAbstractItemView::NoSelection);
+    cells::setRowHeight(table);
+    table->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+}
+
+} // namespace
+
+CxDataGraphForm::CxDataGraphForm(QWidget *parent)
+    : QWidget(parent)
+    , ui(new Ui::CxDataGraphForm)
+{
+    ui->setupUi(this);
+    IxAppDelegate::instance()->registerPlotWidget(ui->plot);
+    allowTimeNavigation(ui->plot);
+    setUpTable(ui->table);
+    ui->tablePlotCheck->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    ui->btnExport->addSupportedExportType(CxExportToolButton::eExportFile);
+    ui->btnExport->addSupportedExportType(CxExportToolButton::eExportClipboard);
+    ui->btnExport->setExportType(CxExportToolButton::eExportFile);
+    updateCameraList();
+
+    connect(ui->btnExport, &CxExportToolButton::exportClicked, this, &CxDataGraphForm::onBtnExport);
+    const CxCameraManager *cameras = CxCameraManager::instance();
+    connect(cameras, &CxCameraManager::cameraOpened, this, &CxDataGraphForm::updateCameraList);
+    connect(cameras, &CxCameraManager::cameraClosed, this, &CxDataGraphForm::removeCameraListRow);
+    connect(cameras, &CxCameraManager::acquisitionStarted, this, &CxDataGraphForm::updateCameraListRow);
+    connect(cameras, &CxCameraManager::acquisitionFinished, this, &CxDataGraphForm::updateCameraListRow);
+    connect(&m_timer, &QTimer::timeout, this, &CxDataGraphForm::timerSignal);
+    m_timer.setInterval(refreshPeriodMs);
+    m_timer.start();
+
+    m_timeOrigin = timeaxis::microsecondsOfDay(QTime::currentTime());
+}
+
+CxDataGraphForm::~CxDataGraphForm()
+{
+    const QList<CxCameraLineData *> lines = m_cameraLines.values();
+    for (CxCameraLineData *line : lines) {
+        line->stopMeasurement();
+        delete line;
+    }
+    m_cameraLines.clear();
+    delete ui;
+}

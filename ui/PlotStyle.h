@@ -1,0 +1,19 @@
+#pragma once
+
+#include "measurement/PlotLibrary.h"
+
+/// How a plot area looks apart from its axes' ranges and texts; for a dark
+/// background, and readable while several areas share a low window.
+namespace plotstyle {
+
+/// For an area's name.
+QFont titleFont();
+
+/// White lines and texts.
+void styleAxis(QCPAxis *axis);
+
+/// Aligns a new area with the plot's others. From then on it has fewer ticks and
+/// smaller labels wherever the plot is too small for all of them.
+void fitIntoPlot(QCPAxisRect *rect);
+
+} // namespace plotstyle
