@@ -3,11 +3,9 @@
 #include "cli/MeasureSession.h"
 #include "cli/Options.h"
 #include "cli/Report.h"
-#include "cli/StopSignals.h"
 #include "host/core/HostCore.h"
-#include "host/core/simulation/RealTimeClock.h"
-#include "host/core/simulation/Scenario.h"
-#include "host/core/simulation/SimulationBackend.h"
+#include "host/program/SimulatedCameras.h"
+#include "host/program/StopSignals.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -18,13 +16,12 @@
 
 #include <cstdio>
 #include <exception>
-#include <memory>
+#include <utility>
 
 namespace {
 
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
-constexpr int maxSimulatedCameras = 64;
 constexpr int exitSignalBase = 128; // the shell's convention for "ended by signal N"
 
 void print(const std::string &text)
@@ -41,25 +38,12 @@ void printError(const std::string &text)
 /// \param choice a number of cameras, a built-in scenario's name or a file
 bool plugInSimulatedCameras(const QString &choice)
 {
-    host::Scenario scenario;
-    bool isNumber = false;
-    const int count = choice.toInt(&isNumber);
-    if (isNumber) {
-        if (count < 1 || count > maxSimulatedCameras) {
-            printError(fmt::format("--simulate: 1 to {} cameras, not {}", maxSimulatedCameras, count));
-            return false;
-        }
-        scenario = host::defaultScenario(count);
-    } else {
-        host::ScenarioResult found = host::findScenario(QFile::encodeName(choice).toStdString());
-        if (!found.scenario) {
-            printError(found.error);
-            return false;
-        }
-        scenario = std::move(*found.scenario);
+    host::BackendResult simulated = host::simulatedCameras(QFile::encodeName(choice).toStdString());
+    if (!simulated.backend) {
+        printError(simulated.error);
+        return false;
     }
-    host::HostCore::instance().addBackend(
-        std::make_unique<host::SimulationBackend>(scenario, std::make_shared<host::RealTimeClock>()));
+    host::HostCore::instance().addBackend(std::move(simulated.backend));
     return true;
 }
 
@@ -83,7 +67,7 @@ bool openAllCameras()
 /// \return the program's exit code
 int measure(const cli::Options &options)
 {
-    cli::StopSignals stopSignals;
+    host::StopSignals stopSignals;
     cli::MeasureSession session(options);
     const int measuring = session.start();
     if (measuring == 0)
@@ -96,7 +80,7 @@ int measure(const cli::Options &options)
         const double seconds = static_cast<double>(clock.elapsed()) / 1000.0;
         print(cli::progressLine(options.mode, seconds, session.results()) + '\n');
     });
-    QObject::connect(&stopSignals, &cli::StopSignals::stopRequested, qApp, &QCoreApplication::quit);
+    QObject::connect(&stopSignals, &host::StopSignals::stopRequested, qApp, &QCoreApplication::quit);
     QObject::connect(&session, &cli::MeasureSession::allCamerasLost, qApp, &QCoreApplication::quit);
     QTimer end;
     end.setSingleShot(true);

@@ -1,5 +1,5 @@
 #include "cli/MeasureSession.h"
-#include "cli/StopSignals.h"
+#include "host/program/StopSignals.h"
 #include "tests/scriptedhost/ScriptedHost.h"
 #include "zuCore/CxCameraManager.h"
 
@@ -194,9 +194,9 @@ void MeasureSessionTest::signalEndsTheRunAndRestores()
     QFETCH(int, signalNumber);
     const ZUCORE_HANDLE camera = m_host.addCamera();
     {
-        cli::StopSignals stopSignals;
+        host::StopSignals stopSignals;
         QEventLoop loop;
-        connect(&stopSignals, &cli::StopSignals::stopRequested, &loop, &QEventLoop::quit);
+        connect(&stopSignals, &host::StopSignals::stopRequested, &loop, &QEventLoop::quit);
         MeasureSession session(throughputOptions());
         QCOMPARE(session.start(), 1);
         QTimer::singleShot(0, &loop, [signalNumber] { std::raise(signalNumber); });

@@ -4,11 +4,12 @@
 
 class QSocketNotifier;
 
-namespace cli {
+namespace host {
 
 /// Turns SIGINT and SIGTERM into a Qt signal on the thread that made this
 /// object, so that a measurement can be ended and its cameras restored. One
-/// object at a time; the former handlers come back when it goes.
+/// object at a time. When it goes the former handlers come back; after a signal
+/// arrived, further ones are ignored instead, as the program is ending.
 class StopSignals : public QObject
 {
     Q_OBJECT
@@ -30,4 +31,4 @@ private:
     int m_received = 0;
 };
 
-} // namespace cli
+} // namespace host

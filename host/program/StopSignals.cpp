@@ -1,4 +1,4 @@
-#include "cli/StopSignals.h"
+#include "host/program/StopSignals.h"
 
 #include <QSocketNotifier>
 
@@ -8,7 +8,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace cli {
+namespace host {
 
 namespace {
 
@@ -47,8 +47,11 @@ StopSignals::StopSignals(QObject *parent)
 
 StopSignals::~StopSignals()
 {
+    // Once a stop was asked for, the rest of the way out is not cut short either.
+    struct sigaction ignored = {};
+    ignored.sa_handler = SIG_IGN;
     for (std::size_t i = 0; i < handledSignals.size(); ++i)
-        ::sigaction(handledSignals.at(i), &formerActions.at(i), nullptr);
+        ::sigaction(handledSignals.at(i), m_received == 0 ? &formerActions.at(i) : &ignored, nullptr);
     m_notifier->setEnabled(false);
     for (int &descriptor : signalPipe) {
         ::close(descriptor);
@@ -66,4 +69,4 @@ void StopSignals::readSignal()
     }
 }
 
-} // namespace cli
+} // namespace host
