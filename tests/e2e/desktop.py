@@ -1,0 +1,276 @@
+"""A screen with a window manager, and a program on it used by mouse and keyboard."""
+
+import os
+import signal
+import subprocess
+import tempfile
+import time
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+from PIL import Image  # noqa: E402
+
+PATIENCE = 20.0  # seconds until something that must come is missed
+
+
+def wait_for(condition, what, patience=PATIENCE):
+    """The first true value of `condition`, looked at ten times a second."""
+    end = time.monotonic() + patience
+    while True:
+        while GLib.MainContext.default().iteration(False):
+            pass  # news of the accessibility bus
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > end:
+            raise AssertionError(f"still waiting for {what}")
+        time.sleep(0.1)
+
+
+class Widget:
+    """A thing on the screen as the accessibility bus names it."""
+
+    def __init__(self, node):
+        self.node = node
+
+    @property
+    def name(self):
+        self.node.clear_cache()
+        return self.node.get_name()
+
+    @property
+    def role(self):
+        return self.node.get_role_name()
+
+    def has(self, state):
+        self.node.clear_cache()
+        return self.node.get_state_set().contains(state)
+
+    @property
+    def enabled(self):
+        return self.has(Atspi.StateType.ENABLED)
+
+    @property
+    def checked(self):
+        return self.has(Atspi.StateType.CHECKED)
+
+    @property
+    def showing(self):
+        return self.has(Atspi.StateType.SHOWING)
+
+    @property
+    def box(self):
+        """x, y, width, height on the screen."""
+        self.node.clear_cache()
+        extents = self.node.get_extents(Atspi.CoordType.SCREEN)
+        return extents.x, extents.y, extents.width, extents.height
+
+    def centre(self):
+        """Its middle, once it stays where it is."""
+        last = None
+
+        def at_rest():
+            nonlocal last
+            now = self.box
+            same = now == last
+            last = now
+            return same
+
+        wait_for(at_rest, f"{self.name!r} to come to rest")
+        x, y, width, height = last
+        return x + width // 2, y + height // 2
+
+    def walk(self, into_tables=True):
+        """Itself and everything within, outermost first."""
+        yield self
+        if not into_tables and self.role in ("table", "tree table", "tree", "list", "menu bar"):
+            return  # thousands of cells, each a question to the program
+        try:
+            count = self.node.get_child_count()
+            for index in range(count):
+                child = self.node.get_child_at_index(index)
+                if child is not None:
+                    yield from Widget(child).walk(False)
+        except GLib.Error:
+            return  # it went away while we looked
+
+    def find_all(self, role, name=None):
+        found = []
+        for widget in self.walk():
+            try:
+                if widget.role == role and (name is None or widget.name == name):
+                    found.append(widget)
+            except GLib.Error:
+                continue
+        return found
+
+    def find(self, role, name=None):
+        found = [widget for widget in self.find_all(role, name) if widget.showing]
+        return found[0] if found else None
+
+
+class Screen:
+    """An X server of its own. Use as a context manager."""
+
+    def __init__(self, width, height):
+        self.size = (width, height)
+        self.processes = []
+        self.pointer = None
+        self.environment = dict(os.environ)
+
+    def __enter__(self):
+        with tempfile.TemporaryFile("w+") as display:
+            self._start(
+                ["Xvfb", "-displayfd", str(display.fileno()), "-screen", "0", "{}x{}x24".format(*self.size)],
+                pass_fds=[display.fileno()],
+            )
+
+            def number():
+                display.seek(0)
+                return display.read().strip()
+
+            self.environment["DISPLAY"] = ":" + wait_for(number, "the X server")
+        self._start(["openbox"])
+        os.environ["DISPLAY"] = self.environment["DISPLAY"]
+        return self
+
+    def __exit__(self, *_):
+        for process in reversed(self.processes):
+            if process.poll() is None:
+                process.terminate()
+                try:
+                    process.wait(PATIENCE)
+                except subprocess.TimeoutExpired:
+                    process.kill()
+                    process.wait()
+
+    def _start(self, command, **options):
+        process = subprocess.Popen(
+            command, env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **options
+        )
+        self.processes.append(process)
+        return process
+
+    def start(self, command, log):
+        process = subprocess.Popen(command, env=self.environment, stdout=log, stderr=log)
+        self.processes.append(process)
+        return process
+
+    def xdotool(self, *arguments):
+        done = subprocess.run(
+            ["xdotool", *map(str, arguments)], env=self.environment, check=True, capture_output=True, text=True
+        )
+        return done.stdout.strip()
+
+    def point_at(self, x, y):
+        # Waiting for a move to where the pointer is already takes 15 seconds.
+        if (x, y) != self.pointer:
+            self.xdotool("mousemove", "--sync", x, y)
+        self.pointer = (x, y)
+
+    def click(self, where, button=1, times=1):
+        self.point_at(*(where.centre() if isinstance(where, Widget) else where))
+        self.xdotool("click", "--repeat", times, "--delay", 60, button)
+
+    def drag(self, start, end):
+        self.point_at(*start)
+        self.xdotool("mousedown", 1)
+        steps = 8
+        for step in range(1, steps + 1):
+            self.point_at(
+                start[0] + (end[0] - start[0]) * step // steps, start[1] + (end[1] - start[1]) * step // steps
+            )
+        self.xdotool("mouseup", 1)
+
+    def wheel_right(self, where, times=1):
+        self.click(where, button=7, times=times)
+
+    def wheel_up(self, where, times=1):
+        self.click(where, button=4, times=times)
+
+    def key(self, *keys):
+        self.xdotool("key", "--delay", 40, *keys)
+
+    def type(self, text):
+        self.xdotool("type", "--delay", 30, text)
+
+    def picture(self, box=None):
+        """What is on the screen, or on a part of it."""
+        with tempfile.NamedTemporaryFile(suffix=".png") as file:
+            subprocess.run(
+                ["/usr/bin/import", "-window", "root", file.name], env=self.environment, check=True, capture_output=True
+            )
+            image = Image.open(file.name).convert("RGB")
+            image.load()
+        if box:
+            x, y, width, height = box
+            image = image.crop((x, y, x + width, y + height))
+        return image
+
+    def screenshot(self, name):
+        image = self.picture()
+        image.save(os.path.join(os.environ["VELMORA_SHOTS"], name + ".png"))
+        return image
+
+
+class Program:
+    """A program that shows itself on the accessibility bus."""
+
+    def __init__(self, screen, *arguments):
+        self.screen = screen
+        self.log = tempfile.TemporaryFile("w+")  # closed with the object
+        self.process = screen.start([os.environ["VELMORA"], *arguments], self.log)
+        wait_for(self._has_window, "the program's window")
+        time.sleep(1)  # the window manager gives it its place
+        # Qt joins the accessibility bus when it appears, not one that is there.
+        Atspi.init()
+        self.root = wait_for(self._application, "the program on the accessibility bus")
+
+    def _has_window(self):
+        self._check_alive()
+        found = subprocess.run(
+            ["xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid)],
+            env=self.screen.environment, capture_output=True,
+        )  # fmt: skip
+        return found.returncode == 0
+
+    def _check_alive(self):
+        if self.process.poll() is not None:
+            raise AssertionError(f"the program ended at once: {self.output()}")
+
+    def _application(self):
+        self._check_alive()
+        desktop = Atspi.get_desktop(0)
+        for index in range(desktop.get_child_count()):
+            node = desktop.get_child_at_index(index)
+            if node is not None and node.get_process_id() == self.process.pid:
+                return Widget(node)
+        return None
+
+    def find(self, role, name=None):
+        """The widget once it shows."""
+        return wait_for(lambda: self.root.find(role, name), f"{role} {name!r}")
+
+    def gone(self, role, name):
+        wait_for(lambda: not self.root.find(role, name), f"the end of {role} {name!r}")
+
+    def cells(self, table):
+        """Texts of a table's body by row and column."""
+        table.node.clear_cache()
+        rows, columns = Atspi.Table.get_n_rows(table.node), Atspi.Table.get_n_columns(table.node)
+        return [[self.cell(table, row, column).name for column in range(columns)] for row in range(rows)]
+
+    def cell(self, table, row, column):
+        return Widget(Atspi.Table.get_accessible_at(table.node, row, column))
+
+    def wait_for_end(self):
+        return self.process.wait(PATIENCE)
+
+    def terminate(self):
+        self.process.send_signal(signal.SIGTERM)
+
+    def output(self):
+        self.log.seek(0)
+        return self.log.read()
