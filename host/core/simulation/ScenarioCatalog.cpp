@@ -24,7 +24,8 @@ void vary(CameraSettings &camera, int index)
         break;
     case 1:
         camera.name = "Short stalls";
-        camera.stalls = {{20 * TicksPerMillisecond, 250 * TicksPerMillisecond, TicksPerMillisecond / 2, 1.0}};
+        camera.stalls = {{4 * TicksPerMillisecond, 250 * TicksPerMillisecond, 6 * TicksPerMillisecond, 1.0}};
+        camera.internalBufferBytes = std::int64_t{8} * 1024 * 1024;
         break;
     case 2:
         camera.name = "Slow link";
