@@ -5,6 +5,7 @@
 #include "ui_DataGraphForm.h"
 #include "zuCore/CxCameraManager.h"
 #include "zuCore/CxCameraParameters.h"
+#include "zuCoreGui/IxAppDelegate.h"
 
 namespace {
 
@@ -48,7 +49,7 @@ void fitHeight(QTableWidget *table)
 
 void CxDataGraphForm::updateCameraList()
 {
-    ui->table->clear();
+    ui->table->clearContents();
     m_plotCheckBoxes.clear();
     clearPlotTable(ui->tablePlotCheck);
 
@@ -111,12 +112,12 @@ void CxDataGraphForm::updateCameraListRow(ZUCORE_HANDLE hCam)
 
 void CxDataGraphForm::removeCameraListRow(ZUCORE_HANDLE hCam)
 {
-    if (!m_cameraLines.contains(hCam))
-        return;
-    removeCameraLine(hCam);
-    const int row = rowOfCamera(ui->table, hCam);
-    if (row >= 0)
-        ui->table->removeRow(row);
+    if (m_cameraLines.contains(hCam)) {
+        removeCameraLine(hCam);
+        const int row = rowOfCamera(ui->table, hCam);
+        if (row >= 0)
+            ui->table->removeRow(row);
+    }
     if (CxCameraManager::instance()->openedCameras().isEmpty())
         ui->btnStartAll->setEnabled(false);
 }
@@ -137,9 +138,11 @@ void CxDataGraphForm::removeCameraLine(void *hCam)
     const bool measured = line->stopMeasurement();
     m_cameraLines.remove(hCam);
     delete line;
+    if (!measured)
+        return;
+    IxAppDelegate::instance()->setCameraControlEnabled(hCam, true);
     // It may have been the last one that kept the setup out of reach.
-    if (measured)
-        DisableUiForMeasurement(hCam, false);
+    DisableUiForMeasurement(hCam, false);
 }
 
 void CxDataGraphForm::AddTableItem(int col, const QString &header, const QString &toolTip)

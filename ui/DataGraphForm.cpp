@@ -59,7 +59,8 @@ CxDataGraphForm::~CxDataGraphForm()
 {
     const QList<CxCameraLineData *> lines = m_cameraLines.values();
     for (CxCameraLineData *line : lines) {
-        line->stopMeasurement();
+        if (line->stopMeasurement())
+            IxAppDelegate::instance()->setCameraControlEnabled(line->cameraHandle, true);
         delete line;
     }
     m_cameraLines.clear();

@@ -25,6 +25,7 @@ public:
         m_box->setAttribute(Qt::WA_DeleteOnClose);
         m_box->setStandardButtons(QMessageBox::NoButton);
         m_box->setModal(false);
+        m_box->setTextFormat(Qt::PlainText); // names come from cameras
         m_box->setText(QString());
     }
     ~ProgressBox() { close(); }
@@ -69,7 +70,9 @@ private:
 
 void showStartFailure(const QString &text)
 {
-    QMessageBox::critical(nullptr, Form::tr("Failed to start measurement"), text, QMessageBox::Ok);
+    QMessageBox box(QMessageBox::Critical, Form::tr("Failed to start measurement"), text, QMessageBox::Ok);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
 }
 
 void setCameraControlEnabled(void *camera, bool enabled)

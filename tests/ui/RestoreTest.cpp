@@ -137,6 +137,11 @@ void RestoreTest::restoresInOrder()
     cameras.host.clearCalls();
     end(cameras, ending);
     QCOMPARE(callsOfTheWindow(cameras, 0), restoring);
+    // And its host may control it again.
+    const QStringList sequence = cameras.sequence();
+    QCOMPARE(sequence.size(), 2);
+    QVERIFY(sequence[0].startsWith("stop "));
+    QVERIFY(sequence[1].startsWith("release "));
 }
 
 void RestoreTest::failedStartRestores_data()

@@ -37,7 +37,8 @@ Q_SIGNALS:
 
     /// The camera is about to close, by the user or because it was lost: it is
     /// no longer among openedCameras(), but its handle still takes calls until
-    /// the signal has been delivered, so that settings can be put back.
+    /// the signal has been delivered, so that settings can be put back. Never
+    /// delivered within a call of the camera functions, whose caller may hold locks.
     void cameraClosed(ZUCORE_HANDLE hCam);
 
     /// The host's own acquisition started or ended; also ended by a close, and
