@@ -5,6 +5,9 @@
 
 find_program(VALGRIND_PROGRAM valgrind)
 
+# All that the race preset builds.
+add_custom_target(threads-tests)
+
 function(velmora_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "THREADS" "TIMEOUT" "SOURCES;LIBRARIES")
     add_executable(${name} ${arg_SOURCES})
@@ -35,5 +38,8 @@ function(velmora_register_test name)
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_NO_GLIB=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tools/lsan.supp;UBSAN_OPTIONS=print_stacktrace=1")
     if(arg_THREADS)
         set_tests_properties(${name} PROPERTIES LABELS threads)
+        if(TARGET ${name})
+            add_dependencies(threads-tests ${name})
+        endif()
     endif()
 endfunction()

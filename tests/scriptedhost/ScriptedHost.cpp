@@ -76,6 +76,7 @@ void Host::reset()
 {
     const std::lock_guard lock(d->mutex);
     // Handles go on counting: none is ever used for two cameras.
+    d->handles += d->handles % 2;
     d->cameras.clear();
     d->opened.clear();
     d->failures.clear();
@@ -95,8 +96,8 @@ ZUCORE_HANDLE Host::addCamera(const CxCameraInfo &info)
     camera->source = std::make_shared<ImageSource>(CounterFrames());
 
     const std::lock_guard lock(d->mutex);
-    d->nextHandle += 0x10;
-    auto *handle = reinterpret_cast<ZUCORE_HANDLE>(d->nextHandle); // NOLINT(performance-no-int-to-ptr)
+    const std::uintptr_t number = 0x1000 + 0x10 * (d->handles++ ^ 1U);
+    auto *handle = reinterpret_cast<ZUCORE_HANDLE>(number); // NOLINT(performance-no-int-to-ptr)
     d->cameras[handle] = std::move(camera);
     d->opened.push_back(handle);
     return handle;

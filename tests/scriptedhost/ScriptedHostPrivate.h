@@ -39,7 +39,9 @@ struct Host::Private
     /// Cameras are never taken out before reset(), so that late calls find them.
     std::map<ZUCORE_HANDLE, std::unique_ptr<Camera>> cameras;
     std::vector<ZUCORE_HANDLE> opened; ///< in the order of their opening
-    std::uintptr_t nextHandle = 0x1000;
+    /// Given out so far. Of each two cameras the later one has the lower handle:
+    /// sorted by handles, cameras are not in the order of their opening.
+    std::uintptr_t handles = 0;
 
     struct ArmedFailure
     {

@@ -31,13 +31,10 @@ private Q_SLOTS:
     void returnTakesTheFocus_data();
     void returnTakesTheFocus();
     void onlyTheCamerasOwnRow();
-    void inputsOfAnUnknownCamera();
-    void boxWithoutItsEdit();
     void speedIsReadBeforeAStart();
     void speedIsNotReadBeforeAStart_data();
     void speedIsNotReadBeforeAStart();
     void editingDuringAMeasurement();
-    void otherSendersAreIgnored();
 
 private:
     QCheckBox *speedBox(int row = 0) const { return m_rig->cellWidget<QCheckBox>(row, 8); }
@@ -282,40 +279,6 @@ void CameraEditsTest::onlyTheCamerasOwnRow()
     QCOMPARE(report.bufferSize, "88000");
 }
 
-void CameraEditsTest::inputsOfAnUnknownCamera()
-{
-    PluginRig::click(speedBox());
-    PluginRig::click(sizeBox());
-    const QList<QObject *> inputs = {speedBox(), speedEdit(), sizeBox(), sizeEdit()};
-    for (QObject *input : inputs)
-        input->setProperty("hCam", qulonglong(0x42));
-    speedEdit()->setText("250");
-    sizeEdit()->setText("250");
-    m_host.clearCalls();
-    PluginRig::click(speedBox());
-    PluginRig::click(sizeBox());
-    QVERIFY(m_host.cameraCalls().empty());
-    QVERIFY(speedEdit()->isEnabled() && sizeEdit()->isEnabled());
-    const rig::StartReport report = started();
-    QCOMPARE(report.requiredSpeed, "380");
-    QCOMPARE(report.bufferSize, "67108864");
-}
-
-void CameraEditsTest::boxWithoutItsEdit()
-{
-    speedEdit()->setProperty("hCam", qulonglong(0x42));
-    sizeEdit()->setProperty("hCam", qulonglong(0x42));
-    PluginRig::click(speedBox());
-    PluginRig::click(sizeBox());
-    QVERIFY(!speedEdit()->isEnabled() && !sizeEdit()->isEnabled());
-    setSpeed(500);
-    setSize(5000);
-    // The camera is no longer automatic all the same.
-    const rig::StartReport report = started();
-    QCOMPARE(report.requiredSpeed, "380");
-    QCOMPARE(report.bufferSize, "67108864");
-}
-
 void CameraEditsTest::speedIsReadBeforeAStart()
 {
     setSpeed(500);
@@ -374,34 +337,6 @@ void CameraEditsTest::editingDuringAMeasurement()
     QCOMPARE(sizeEdit()->text(), "67108");
     m_rig->call("timerSignal");
     QCOMPARE(m_rig->cell(0, 5), "0 %");
-}
-
-void CameraEditsTest::otherSendersAreIgnored()
-{
-    // Without a sender, and from one of another class.
-    QWidget *form = m_rig->form();
-    m_host.clearCalls();
-    for (const char *slot : {"onChkCamAutoTransport", "onChkCamAutoInternalBuffer"}) {
-        QVERIFY(QMetaObject::invokeMethod(form, slot, Q_ARG(bool, false)));
-        QVERIFY(QMetaObject::invokeMethod(form, slot, Q_ARG(bool, true)));
-    }
-    for (const char *slot : {"onEditCamTransportChanged", "onEditCamInternalBufferChanged"})
-        QVERIFY(QMetaObject::invokeMethod(form, slot, Q_ARG(QString, "1")));
-    m_rig->call("clearFocusAfterEditReturnPressed");
-    QObject stranger;
-    stranger.setProperty("hCam", qulonglong(reinterpret_cast<quintptr>(m_camera)));
-    connect(&stranger, SIGNAL(objectNameChanged(QString)), form, SLOT(onEditCamTransportChanged(QString)));
-    connect(&stranger, SIGNAL(objectNameChanged(QString)), form,
-            SLOT(onEditCamInternalBufferChanged(QString)));
-    connect(&stranger, SIGNAL(objectNameChanged(QString)), form, SLOT(clearFocusAfterEditReturnPressed()));
-    stranger.setObjectName("1");
-    QVERIFY(m_host.cameraCalls().empty());
-    QVERIFY(!speedEdit()->isEnabled() && !sizeEdit()->isEnabled());
-    PluginRig::click(speedBox());
-    PluginRig::click(sizeBox());
-    const rig::StartReport report = started();
-    QCOMPARE(report.requiredSpeed, "380");
-    QCOMPARE(report.bufferSize, "67108864");
 }
 
 QTEST_MAIN(CameraEditsTest)

@@ -1,6 +1,7 @@
 #include "tests/ui/PluginRig.h"
 
 #include "tests/measurement/LogCapture.h"
+#include "tests/scriptedhost/ScriptedHostPrivate.h"
 #include "tests/ui/StartReport.h"
 #include "zuCore/CxCameraManager.h"
 
@@ -22,8 +23,11 @@ private Q_SLOTS:
     void closedCamera();
     void closedCameraThatMeasures();
     void lastCameraCloses();
+    void lastCameraHasNoRow();
     void cameraMissedClosing();
     void rebuildKeepsSettings();
+    void rebuildShowsAWrappedSize();
+    void rebuildKeepsNames();
     void rebuildKeepsMeasuring();
     void rebuildResetsTheTimeAxis();
     void unknownMode();
@@ -107,6 +111,17 @@ void CameraTableChangesTest::lastCameraCloses()
     QVERIFY(m_rig->find<QPushButton>("btnStartAll")->isEnabled());
 }
 
+void CameraTableChangesTest::lastCameraHasNoRow()
+{
+    ZUCORE_HANDLE camera = m_host.addCamera({"Without", "1", {}});
+    m_host.removeParameterSet(camera);
+    m_rig->call("updateCameraList");
+    QCOMPARE(m_rig->table()->rowCount(), 0);
+    QVERIFY(m_rig->find<QPushButton>("btnStartAll")->isEnabled());
+    m_host.closeCamera(camera);
+    QVERIFY(!m_rig->find<QPushButton>("btnStartAll")->isEnabled());
+}
+
 void CameraTableChangesTest::cameraMissedClosing()
 {
     ZUCORE_HANDLE camera = rig::openCamera("One", "1");
@@ -152,6 +167,31 @@ void CameraTableChangesTest::rebuildKeepsSettings()
     QCOMPARE(report.bufferSize, "3000000");
 }
 
+/// The size of an engine is more than the edit takes.
+void CameraTableChangesTest::rebuildShowsAWrappedSize()
+{
+    rig::openCamera("One", "1");
+    PluginRig::click(m_rig->cellWidget<QCheckBox>(0, 9));
+    auto *edit = m_rig->cellWidget<QLineEdit>(0, 9);
+    edit->selectAll();
+    QTest::keyClicks(edit, "2147484");
+    QCOMPARE(edit->text(), "2147484");
+    m_rig->call("updateCameraList");
+    QCOMPARE(m_rig->cellWidget<QLineEdit>(0, 9)->text(), "18446744071562068");
+}
+
+void CameraTableChangesTest::rebuildKeepsNames()
+{
+    ZUCORE_HANDLE camera = rig::openCamera("Model", "1", "Left");
+    {
+        scripted::Host::Private &host = m_host.priv();
+        const std::lock_guard lock(host.mutex);
+        host.cameras.at(camera)->info.userId = "Right";
+    }
+    m_rig->call("updateCameraList");
+    QCOMPARE(m_rig->cell(m_rig->row(camera), 0), "Model (Left)");
+}
+
 void CameraTableChangesTest::rebuildKeepsMeasuring()
 {
     ZUCORE_HANDLE camera = rig::openCamera("One", "1");
@@ -167,9 +207,15 @@ void CameraTableChangesTest::rebuildKeepsMeasuring()
     QCOMPARE(m_rig->cell(0, 1), "Testing");
     QCOMPARE(m_rig->cell(0, 3), "457");
     QCOMPARE(m_rig->cell(1, 1), "Stopped");
+    QCOMPARE(m_rig->measureButton(0)->text(), "Stop");
+    QCOMPARE(m_rig->measureButton(1)->text(), "Start");
+    QVERIFY(!m_rig->cellWidget<QPushButton>(0, 7)->isEnabled());
+    QVERIFY(m_rig->cellWidget<QPushButton>(1, 7)->isEnabled());
     PluginRig::click(m_rig->measureButton(0));
     QVERIFY(!m_host.isStreaming(camera));
     QCOMPARE(m_rig->cell(0, 1), "Stopped");
+    QCOMPARE(m_rig->measureButton(0)->text(), "Start");
+    QVERIFY(m_rig->cellWidget<QPushButton>(0, 7)->isEnabled());
 }
 
 void CameraTableChangesTest::rebuildResetsTheTimeAxis()
@@ -196,6 +242,8 @@ void CameraTableChangesTest::unknownMode()
     QVERIFY(isLogged(log, "updateCameraList"));
     QCOMPARE(m_rig->row(camera), -1);
     QVERIFY(!m_rig->table()->cellWidget(0, 2));
+    QVERIFY(m_rig->table()->horizontalHeaderItem(0)); // only the cells are gone
+    QCOMPARE(m_rig->table()->horizontalHeaderItem(3)->text(), "Average\nthroughput [MB/s]");
     for (const char *method : {"updateCameraListRow", "updateGraph", "timerSignal"}) {
         log.clear();
         if (QByteArray(method) == "updateCameraListRow")

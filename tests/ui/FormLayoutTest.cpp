@@ -239,9 +239,7 @@ void FormLayoutTest::cameraTable()
     const QTableWidget *table = m_rig->table();
     QCOMPARE(int(table->editTriggers()), int(QAbstractItemView::NoEditTriggers));
     QCOMPARE(table->selectionMode(), QAbstractItemView::NoSelection);
-    // No style goes below its own minimum.
-    QCOMPARE(table->verticalHeader()->defaultSectionSize(),
-             qMax(24, table->verticalHeader()->minimumSectionSize()));
+    QCOMPARE(table->verticalHeader()->defaultSectionSize(), 24); // even where the style's minimum is larger
     QCOMPARE(table->rowCount(), 0);
 }
 

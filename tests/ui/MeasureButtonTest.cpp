@@ -25,6 +25,7 @@ private Q_SLOTS:
     void failedStart_data();
     void failedStart();
     void failureBox();
+    void namesAreNoRichText();
     void failedStopReleasesTheCamera();
     void camerasWithoutAnEngine_data();
     void camerasWithoutAnEngine();
@@ -158,6 +159,7 @@ void MeasureButtonTest::failedStart()
     const QStringList before = cameras.settings(1);
     cameras.host.fail(failing == 0 ? Failure::write("test_pattern", 11)
                                    : Failure::call(Function::StartAcquisition));
+    cameras.rig.table()->item(cameras.row(1), 1)->setText("outdated");
     cameras.clickMeasure(1);
     QTEST(cameras.sequence(), "sequence");
     QCOMPARE(cameras.settings(1), before);
@@ -193,6 +195,23 @@ void MeasureButtonTest::failureBox()
     QCOMPARE(box.standardButtons, int(QMessageBox::Ok));
     QCOMPARE(icon, QMessageBox::Critical);
     QVERIFY(!progressVisible);
+}
+
+void MeasureButtonTest::namesAreNoRichText()
+{
+    MeasuringCameras cameras(0);
+    const QPointer<QPushButton> button =
+        cameras.rig.measureButton(cameras.rig.row(rig::openCamera("<b>M</b>", "1")));
+    rig::PluginRig::click(button);
+    rig::PluginRig::click(button);
+    cameras.host.fail(Failure::call(Function::StartAcquisition));
+    rig::PluginRig::click(button);
+    QCOMPARE(cameras.boxes.progress.size(), 3); // a start, a stop, the start that failed
+    QCOMPARE(cameras.boxes.modal.size(), 1);
+    for (const rig::ShownBox &box : cameras.boxes.progress + cameras.boxes.modal) {
+        QVERIFY2(box.text.contains(" <b>M</b> (1)"), qPrintable(box.text));
+        QCOMPARE(box.textFormat, Qt::PlainText);
+    }
 }
 
 /// A camera whose stream does not stop is stopped all the same.

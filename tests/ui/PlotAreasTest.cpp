@@ -31,6 +31,7 @@ private Q_SLOTS:
     void newAreaTakesTheTimeRange();
     void areasAreNotRefittedByABox();
     void replotsOnlyWhileNothingMeasures();
+    void firstBoxWhileMeasuringShowsThePlot();
     void otherSendersAreIgnored();
     void graphsGoWithTheirAreas();
 
@@ -292,6 +293,22 @@ void PlotAreasTest::replotsOnlyWhileNothingMeasures()
     replots.clear();
     rig::PluginRig::click(cameras.plotBox(0)); // the last one
     QCOMPARE(replots.size(), 0);
+}
+
+/// The measurement's next tick draws it.
+void PlotAreasTest::firstBoxWhileMeasuringShowsThePlot()
+{
+    MeasuringCameras cameras(2);
+    rig::PluginRig::click(cameras.plotBox(0));
+    rig::PluginRig::click(cameras.plotBox(1));
+    QVERIFY(cameras.rig.plot()->isHidden());
+    cameras.clickMeasure(0);
+    QVERIFY(cameras.isMeasuring(0));
+    QSignalSpy replots(cameras.rig.plot(), &QCustomPlot::afterReplot);
+    cameras.plotBox(1)->click(); // lets no event through: showing the plot may draw it later
+    QCOMPARE(replots.size(), 0);
+    QVERIFY(cameras.rig.plot()->isVisible());
+    QCOMPARE(titles(cameras), QStringList("Beta (B-2)"));
 }
 
 void PlotAreasTest::otherSendersAreIgnored()

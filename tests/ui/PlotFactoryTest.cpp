@@ -37,6 +37,7 @@ private Q_SLOTS:
     void plotNames();
     void unknownModes_data();
     void unknownModes();
+    void unknownModeHasNoMeasureButtons();
     void unknownModeEndsTheBoxWithoutAreas();
     void visibleTime_data();
     void visibleTime();
@@ -68,6 +69,13 @@ namespace {
 qint64 microsecondsOfDay()
 {
     return QTime::currentTime().msecsSinceStartOfDay() * Q_INT64_C(1000);
+}
+
+/// Waits for the next millisecond, the clock's step.
+void waitUntilNot(qint64 time)
+{
+    while (microsecondsOfDay() == time) {
+    }
 }
 
 } // namespace
@@ -240,6 +248,15 @@ void PlotFactoryTest::unknownModes()
                              .arg(QString::fromLatin1(slot))));
 }
 
+void PlotFactoryTest::unknownModeHasNoMeasureButtons()
+{
+    setMode(5);
+    m_log->clear();
+    m_form->UpdateMeasureButtonText(m_camera, "Stop");
+    QCOMPARE(m_log->messages(),
+             QStringList("CxDataGraphForm::UpdateMeasureButtonText(): Unknown measurement mode is selected"));
+}
+
 void PlotFactoryTest::unknownModeEndsTheBoxWithoutAreas()
 {
     setMode(5);
@@ -312,8 +329,8 @@ void PlotFactoryTest::editsWithoutAPlotArea()
 void PlotFactoryTest::originStandsStillWithoutAMeasurement()
 {
     const qint64 first = origin();
-    while (microsecondsOfDay() - first < 3000)
-        m_form->updateGraph();
+    waitUntilNot(first);
+    m_form->updateGraph();
     m_form->updateStats();
     m_form->timerSignal();
     m_form->GetCameraPlot(m_camera)->axis(QCPAxis::atBottom)->setRange(-3.0, 4.0);
@@ -335,18 +352,18 @@ void PlotFactoryTest::originFollowsAMeasurement()
     auto *button = qobject_cast<QPushButton *>(table()->cellWidget(0, 2));
     button->click();
     QVERIFY(m_host.isStreaming(m_camera));
-    const qint64 first = microsecondsOfDay();
-    do {
+    for (int repetition = 0; repetition < 3; ++repetition) {
+        waitUntilNot(origin());
         const qint64 before = microsecondsOfDay();
         refresh();
         const qint64 after = microsecondsOfDay();
         QVERIFY(before <= origin() && origin() <= after);
-    } while (microsecondsOfDay() - first < 3000);
+    }
 
     qobject_cast<QPushButton *>(table()->cellWidget(0, 2))->click();
     const qint64 last = origin();
-    while (microsecondsOfDay() - last < 3000)
-        refresh();
+    waitUntilNot(last);
+    refresh();
     QCOMPARE(origin(), last);
 }
 

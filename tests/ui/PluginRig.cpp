@@ -143,8 +143,8 @@ bool BoxWatcher::eventFilter(QObject *object, QEvent *event)
     auto *box = qobject_cast<QMessageBox *>(object);
     if (!box || event->type() != QEvent::Show)
         return false;
-    const ShownBox shown = {box->windowTitle(), box->text(), box->parentWidget() != nullptr,
-                            static_cast<int>(box->standardButtons())};
+    const ShownBox shown = {box->windowTitle(), box->text(), box->textFormat(),
+                            box->parentWidget() != nullptr, static_cast<int>(box->standardButtons())};
     if (!box->isModal()) {
         progress.append(shown);
         return false;

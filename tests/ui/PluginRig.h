@@ -94,6 +94,7 @@ struct ShownBox
 {
     QString title;
     QString text;
+    Qt::TextFormat textFormat;
     bool hasParent;
     int standardButtons;
 };

@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QTest>
 
+#include <algorithm>
+
 using rig::MeasuringCameras;
 using scripted::Failure;
 using scripted::Function;
@@ -15,6 +17,7 @@ class StartAllTest : public QObject
 private Q_SLOTS:
     void startsInTheHostsOrder();
     void stopsInTheHostsOrder();
+    void closingWindowStopsInTheOrderOfHandles();
     void progressNamesEachCamera();
     void progressBoxGoes();
     void startsOnlyTheOthers();
@@ -25,6 +28,7 @@ private Q_SLOTS:
     void firstFailureEndsTheStart_data();
     void firstFailureEndsTheStart();
     void failureBox();
+    void namesAreNoRichText();
     void rollBackStopsThoseFromBefore();
     void rollBackComesAfterTheBoxes();
     void rollBackKeepsTextsAndDisabledWidgets();
@@ -64,6 +68,21 @@ void StartAllTest::stopsInTheHostsOrder()
     }
     QVERIFY(cameras.setup()->isEnabled());
     QCOMPARE(cameras.startAll()->text(), QString("Start All"));
+}
+
+void StartAllTest::closingWindowStopsInTheOrderOfHandles()
+{
+    MeasuringCameras cameras;
+    cameras.clickStartAll();
+    cameras.host.clearCalls();
+    cameras.rig.destroyForm();
+    QList<ZUCORE_HANDLE> handles = cameras.handles();
+    std::sort(handles.begin(), handles.end());
+    QVERIFY(handles != cameras.handles());
+    QStringList stops;
+    for (ZUCORE_HANDLE camera : handles)
+        stops.append("stop " + cameras.label(camera));
+    QCOMPARE(cameras.sequence().filter("stop"), stops);
 }
 
 void StartAllTest::progressNamesEachCamera()
@@ -169,8 +188,11 @@ void StartAllTest::firstFailureEndsTheStart()
     QFETCH(int, failing);
     MeasuringCameras cameras;
     QList<QStringList> before;
-    for (int camera = 0; camera < 3; ++camera)
+    for (int camera = 0; camera < 3; ++camera) {
         before.append(cameras.settings(camera));
+        // Every row is updated, those of cameras that were not reached as well.
+        cameras.rig.table()->item(cameras.row(camera), 1)->setText("outdated");
+    }
     cameras.host.fail({Function::SetParamInt, "test_pattern", 11, cameras[failing]});
     cameras.clickStartAll();
     QTEST(cameras.sequence(), "sequence");
@@ -190,7 +212,9 @@ void StartAllTest::failureBox()
     cameras.host.fail({Function::StartAcquisition, {}, {}, cameras[1]});
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     int boxes = 0;
+    bool progressVisible = false;
     cameras.boxes.onModal = [&] {
+        progressVisible = rig::progressBox() != nullptr;
         for (QWidget *widget : QApplication::topLevelWidgets()) {
             const auto *box = qobject_cast<QMessageBox *>(widget);
             if (box && box->isVisible() && box->isModal()) {
@@ -208,6 +232,23 @@ void StartAllTest::failureBox()
     QCOMPARE(box.standardButtons, int(QMessageBox::Ok));
     QCOMPARE(icon, QMessageBox::Critical);
     QCOMPARE(boxes, 1);
+    QVERIFY(progressVisible);
+}
+
+void StartAllTest::namesAreNoRichText()
+{
+    MeasuringCameras cameras(0);
+    rig::openCamera("<b>M</b>", "1");
+    cameras.clickStartAll();
+    cameras.clickStartAll();
+    cameras.host.fail(Failure::call(Function::StartAcquisition));
+    cameras.clickStartAll();
+    QCOMPARE(cameras.boxes.progress.size(), 3); // a start, a stop, the start that failed
+    QCOMPARE(cameras.boxes.modal.size(), 1);
+    for (const rig::ShownBox &box : cameras.boxes.progress + cameras.boxes.modal) {
+        QVERIFY2(box.text.contains(" <b>M</b> (1)"), qPrintable(box.text));
+        QCOMPARE(box.textFormat, Qt::PlainText);
+    }
 }
 
 void StartAllTest::rollBackStopsThoseFromBefore()

@@ -36,6 +36,8 @@ private Q_SLOTS:
     void panWhileStoppedKeepsTheOrigin();
     void zoomWhileStoppedMakesNewColumns();
     void zoomWhileMeasuringOnlyReplots();
+    void refusedZoomWhileMeasuringReplots();
+    void refusedZoomWhileStoppedMakesNewGraphs();
     void resetWhileStoppedMakesNewColumns_data();
     void resetWhileStoppedMakesNewColumns();
     void resetWhileMeasuringMakesNoPoints_data();
@@ -281,8 +283,9 @@ void TimeNavigationTest::panWhileStoppedKeepsTheOrigin()
     cameras.showTime(0.0, 2.0);
     const double first = cameras.points(0).front().key;
     const int shown = rig::timeOfDay();
-    while (rig::timeOfDay() - shown < 3)
-        cameras.refresh();
+    while (rig::timeOfDay() == shown) {
+    }
+    cameras.refresh();
     cameras.showTime(0.25, 2.25);
     const double second = cameras.points(0).front().key;
     QVERIFY(std::abs(second - first) < 1e-9);
@@ -315,6 +318,35 @@ void TimeNavigationTest::zoomWhileMeasuringOnlyReplots()
     compareViews(cameras, QCPRange(0.0, 3.0));
     cameras.tick();
     QCOMPARE(pointCount(cameras, 0), 99);
+}
+
+void TimeNavigationTest::refusedZoomWhileMeasuringReplots()
+{
+    MeasuringCameras cameras(2);
+    cameras.showTime(0.0, 2.0);
+    QVERIFY(cameras.measure(0, 10));
+    cameras.refresh();
+    const QPointer<QCPGraph> graph = cameras.rig.graph(cameras[0], "Min throughput");
+    QSignalSpy replots(cameras.rig.plot(), &QCustomPlot::afterReplot);
+    cameras.timeAxis(1)->setRange(0.0, 0.9);
+    compareViews(cameras, QCPRange(0.0, 2.0));
+    QCOMPARE(replots.size(), 1);
+    QVERIFY(graph);
+}
+
+void TimeNavigationTest::refusedZoomWhileStoppedMakesNewGraphs()
+{
+    MeasuringCameras cameras(2);
+    QVERIFY(cameras.measureAndStop(0, 10));
+    cameras.showTime(0.0, 2.0);
+    const QPointer<QCPGraph> graph = cameras.rig.graph(cameras[0], "Min throughput");
+    QVERIFY(graph);
+    QSignalSpy replots(cameras.rig.plot(), &QCustomPlot::afterReplot);
+    cameras.timeAxis(1)->setRange(0.0, 0.9);
+    compareViews(cameras, QCPRange(0.0, 2.0));
+    QCOMPARE(replots.size(), 1);
+    QVERIFY(!graph);
+    QCOMPARE(pointCount(cameras, 0), 9);
 }
 
 void TimeNavigationTest::resetWhileStoppedMakesNewColumns_data()
