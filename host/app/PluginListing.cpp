@@ -1,5 +1,6 @@
 #include "host/app/PluginListing.h"
 
+#include "host/app/Application.h"
 #include "host/app/CameraControl.h"
 #include "host/app/PluginCatalog.h"
 #include "host/app/PluginSearch.h"
@@ -7,7 +8,6 @@
 #include "host/app/ViewerOptions.h"
 #include "host/app/ViewerSettings.h"
 
-#include <QApplication>
 #include <QDebug>
 #include <QMainWindow>
 
@@ -32,7 +32,7 @@ int listPlugins(int &argc, char **argv, const ViewerOptions &options)
     // Plug-ins make widgets when they start; these need a platform, not a screen.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     int programOnly = argc > 0 ? 1 : 0;
-    const QApplication application(programOnly, argv);
+    const Application application(programOnly, argv);
 
     ViewerSettings settings(options.settingsFile);
     if (!settings.problem().isEmpty())

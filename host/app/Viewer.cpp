@@ -18,10 +18,10 @@ constexpr int exitSignalBase = 128; // the shell's convention for "ended by sign
 } // namespace
 
 Viewer::Viewer(const ViewerOptions &options, std::vector<std::unique_ptr<CameraBackend>> backends)
-    : m_settings(options.settingsFile)
+    // The parts made from here on have something to say already.
+    : m_settings((m_log.install(), options.settingsFile))
     , m_delegate(m_settings, m_cameraControl)
 {
-    m_log.install();
     if (!m_settings.problem().isEmpty())
         qWarning().noquote() << m_settings.problem();
     if (options.interfaceLevel)

@@ -8,6 +8,8 @@
 
 #include <QDebug>
 #include <QDockWidget>
+#include <QEvent>
+#include <QScrollArea>
 
 #include <array>
 
@@ -35,6 +37,53 @@ Qt::DockWidgetArea usableArea(Qt::DockWidgetArea wanted, Qt::DockWidgetAreas all
 bool isAcross(Qt::DockWidgetArea area)
 {
     return area == Qt::TopDockWidgetArea || area == Qt::BottomDockWidgetArea;
+}
+
+/// What a plug-in's widget may claim of the window; beyond it scrolls.
+constexpr QSize maxClaim(800, 420);
+
+/// Owns a plug-in's widget and shows it whole if it is of moderate size; however
+/// much it wants, the window still fits on the screen.
+class ToolFrame : public QScrollArea
+{
+public:
+    explicit ToolFrame(QWidget *widget)
+    {
+        setFrameShape(QFrame::NoFrame);
+        setWidgetResizable(true);
+        setWidget(widget);
+        setFocusPolicy(Qt::NoFocus); // no tab stop of its own
+        setFocusProxy(widget);
+    }
+
+    QSize minimumSizeHint() const override
+    {
+        if (!widget())
+            return QScrollArea::minimumSizeHint();
+        return widget()->minimumSizeHint().expandedTo(widget()->minimumSize()).boundedTo(maxClaim);
+    }
+
+protected:
+    bool event(QEvent *event) override
+    {
+        if (event->type() == QEvent::LayoutRequest) // a widget without a layout
+            updateGeometry();
+        return QScrollArea::event(event);
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (watched == widget() && event->type() == QEvent::LayoutRequest)
+            updateGeometry();
+        return QScrollArea::eventFilter(watched, event);
+    }
+};
+
+bool isDocked(const QWidget &widget)
+{
+    const QWidget *viewport = widget.parentWidget();
+    const auto *frame = qobject_cast<QScrollArea *>(viewport ? viewport->parentWidget() : nullptr);
+    return frame && frame->widget() == &widget && qobject_cast<QDockWidget *>(frame->parentWidget());
 }
 
 } // namespace
@@ -72,7 +121,7 @@ void ViewerDelegate::addPluginWidget(QWidget *widget, Qt::DockWidgetArea area,
         widget->deleteLater();
         return;
     }
-    if (qobject_cast<QDockWidget *>(widget->parentWidget())) {
+    if (isDocked(*widget)) {
         qWarning("a plug-in asked to dock a widget twice");
         return;
     }
@@ -83,7 +132,7 @@ void ViewerDelegate::addPluginWidget(QWidget *widget, Qt::DockWidgetArea area,
     auto *dock = new QDockWidget(widget->windowTitle(), m_window);
     dock->setObjectName(freeDockName(*widget));
     dock->setAllowedAreas(allowed);
-    dock->setWidget(widget);
+    dock->setWidget(new ToolFrame(widget));
     connect(widget, &QWidget::windowTitleChanged, dock, &QDockWidget::setWindowTitle);
     // A plug-in may delete its widget; an empty frame would stay.
     connect(widget, &QObject::destroyed, dock, &QObject::deleteLater);

@@ -65,7 +65,7 @@ QStringList withoutToolkitOptions(const QStringList &arguments)
 {
     QStringList own;
     for (int i = 0; i < arguments.size(); ++i) {
-        if (isNamed(arguments.at(i), toolkitOptionsWithValue))
+        if (isNamed(arguments.at(i), toolkitOptionsWithValue) && i + 1 < arguments.size())
             ++i;
         else if (!isNamed(arguments.at(i), toolkitOptions))
             own.append(arguments.at(i));

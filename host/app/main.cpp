@@ -1,11 +1,11 @@
 // velmora: shows cameras and runs plug-ins that use them.
 
+#include "host/app/Application.h"
 #include "host/app/PluginListing.h"
 #include "host/app/Viewer.h"
 #include "host/app/ViewerOptions.h"
 #include "host/program/SimulatedCameras.h"
 
-#include <QApplication>
 #include <QFile>
 
 #include <cstdio>
@@ -55,12 +55,11 @@ int run(int argc, char *argv[])
     if (const auto *message = std::get_if<OptionsMessage>(&parsed))
         return print(*message);
     const auto &options = std::get<ViewerOptions>(parsed);
-    if (options.listPlugins)
-        return host::listPlugins(argc, argv, options);
-
     auto made = makeBackends(options);
     if (const auto *message = std::get_if<OptionsMessage>(&made))
         return print(*message);
+    if (options.listPlugins)
+        return host::listPlugins(argc, argv, options);
 
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
@@ -68,7 +67,7 @@ int run(int argc, char *argv[])
     // is left to the fonts, which follow the resolution by themselves.
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
-    const QApplication application(argc, argv);
+    const host::Application application(argc, argv);
     host::Viewer viewer(options, std::move(std::get<Backends>(made)));
     return viewer.run();
 }
@@ -81,6 +80,9 @@ int main(int argc, char *argv[])
         return run(argc, argv);
     } catch (const std::exception &problem) { // out of memory: cameras are restored on the way here
         std::fprintf(stderr, "velmora: %s\n", problem.what());
+        return exitFailure;
+    } catch (...) {
+        std::fputs("velmora: an exception of unknown type\n", stderr);
         return exitFailure;
     }
 }

@@ -9,6 +9,8 @@
 #include "zuCore/ZuParameters.h"
 
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -21,6 +23,7 @@ class ViewerMeasurementTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void smallWindowShowsThePluginWhole();
     void endingWhileMeasuringRestoresCameras_data();
     void endingWhileMeasuringRestoresCameras();
 };
@@ -34,26 +37,57 @@ int dataFormat(ZUCORE_HANDLE camera)
     return value;
 }
 
-} // namespace
-
-void ViewerMeasurementTest::endingWhileMeasuringRestoresCameras_data()
+host::ViewerOptions withThePlugin(const QTemporaryDir &folder)
 {
-    QTest::addColumn<bool>("bySignal");
-    QTest::newRow("window closed") << false;
-    QTest::newRow("SIGTERM") << true;
-}
-
-void ViewerMeasurementTest::endingWhileMeasuringRestoresCameras()
-{
-    QFETCH(bool, bySignal);
-    QTemporaryDir folder;
     host::ViewerOptions options;
     options.pluginPaths = QStringList{QStringLiteral(PLUGIN_FOLDER)};
     options.settingsFile = folder.filePath("settings.ini");
     options.openAll = true;
+    return options;
+}
+
+std::vector<std::unique_ptr<host::CameraBackend>> twoCameras()
+{
     std::vector<std::unique_ptr<host::CameraBackend>> backends;
     backends.push_back(host::simulatedCameras("2").backend);
-    host::Viewer viewer(options, std::move(backends));
+    return backends;
+}
+
+} // namespace
+
+void ViewerMeasurementTest::smallWindowShowsThePluginWhole()
+{
+    const QTemporaryDir folder;
+    host::Viewer viewer(withThePlugin(folder), twoCameras());
+    viewer.window().setWindowState(Qt::WindowNoState);
+    viewer.window().resize(1024, 708); // 768 without the desktop's own bars
+    viewer.window().show();
+    QVERIFY(QTest::qWaitForWindowExposed(&viewer.window()));
+    QCoreApplication::processEvents();
+    const auto *form = viewer.window().findChild<QWidget *>("CxDataGraphForm");
+    QVERIFY(form && form->isVisible());
+    const auto *scrolled = qobject_cast<QScrollArea *>(form->parentWidget()->parentWidget());
+    QVERIFY(scrolled);
+    QVERIFY2(
+        !scrolled->verticalScrollBar()->isVisible(),
+        qPrintable(QStringLiteral("%1 of %2").arg(scrolled->height()).arg(form->minimumSizeHint().height())));
+    QVERIFY(!scrolled->horizontalScrollBar()->isVisible());
+    QCOMPARE(viewer.window().size(), QSize(1024, 708));
+}
+
+void ViewerMeasurementTest::endingWhileMeasuringRestoresCameras_data()
+{
+    QTest::addColumn<int>("signalNumber");
+    QTest::newRow("window closed") << 0;
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+}
+
+void ViewerMeasurementTest::endingWhileMeasuringRestoresCameras()
+{
+    QFETCH(int, signalNumber);
+    const QTemporaryDir folder;
+    host::Viewer viewer(withThePlugin(folder), twoCameras());
 
     const QList<ZUCORE_HANDLE> cameras = CxCameraManager::instance()->openedCameras();
     QCOMPARE(cameras.size(), 2);
@@ -66,8 +100,8 @@ void ViewerMeasurementTest::endingWhileMeasuringRestoresCameras()
         startAll->click();
         for (ZUCORE_HANDLE camera : cameras)
             formatsWhileMeasuring.append(dataFormat(camera));
-        if (bySignal)
-            std::raise(SIGTERM);
+        if (signalNumber != 0)
+            std::raise(signalNumber);
         else
             viewer.window().close();
     });
@@ -79,7 +113,7 @@ void ViewerMeasurementTest::endingWhileMeasuringRestoresCameras()
         CxCameraManager::instance(), &CxCameraManager::cameraClosed, &context,
         [&](ZUCORE_HANDLE camera) { formatsAtTheEnd.append(dataFormat(camera)); }, Qt::DirectConnection);
 
-    QCOMPARE(viewer.run(), bySignal ? 128 + SIGTERM : 0);
+    QCOMPARE(viewer.run(), signalNumber == 0 ? 0 : 128 + signalNumber);
     QCOMPARE(formatsWhileMeasuring.size(), 2);
     QVERIFY(!formatsWhileMeasuring.contains(normalFormat));
     QCOMPARE(formatsAtTheEnd, QList<int>({normalFormat, normalFormat}));

@@ -15,6 +15,8 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTableWidget>
 #include <QtTest>
 
@@ -139,6 +141,9 @@ void MainWindowTest::smallScreenHoldsEverything()
         QVERIFY2(rig.window->rect().contains(place), qPrintable(part->objectName()));
     }
     QVERIFY(isInFront(tool));
+    const auto *scrolled = qobject_cast<QScrollArea *>(tool->widget());
+    QVERIFY(scrolled);
+    QVERIFY(!scrolled->verticalScrollBar()->isVisible() && !scrolled->horizontalScrollBar()->isVisible());
     QVERIFY(isInFront(rig.dock("dockCameras")));
     QVERIFY(rig.window->centralWidget()->width() >= 500);
     QVERIFY(rig.window->centralWidget()->height() >= 150);
@@ -242,7 +247,8 @@ void MainWindowTest::panelsOfPluginsAreInTheMenus()
     QTemporaryDir folder;
     Rig rig(folder.filePath("s.ini"));
     QDockWidget *tool = rig.addTool();
-    tool->widget()->setWindowTitle("Renamed tool");
+    auto *content = tool->findChild<QWidget *>("tool");
+    content->setWindowTitle("Renamed tool");
     const auto entries = [&rig] {
         int count = 0;
         for (const QAction *action : rig.window->findChildren<QAction *>())
@@ -250,7 +256,7 @@ void MainWindowTest::panelsOfPluginsAreInTheMenus()
         return count;
     };
     QCOMPARE(entries(), 2); // to show and hide it, and to go to it
-    delete tool->widget();
+    delete content;
     QTRY_COMPARE(entries(), 0);
 }
 

@@ -123,6 +123,7 @@ void VelmoraProgramTest::wrongUse_data()
     QTest::addColumn<QString>("expected");
     QTest::newRow("unknown option") << QStringList{"--bogus"} << "bogus";
     QTest::newRow("level") << QStringList{"--interface-level", "9"} << "1 to 3";
+    QTest::newRow("listing") << QStringList{"--list-plugins", "--simulate", "99"} << "1 to 64";
     QTest::newRow("no camera") << QStringList{"--simulate", "0"} << "1 to 64";
     QTest::newRow("negative") << QStringList{"--simulate", "-1"} << "1 to 64";
     QTest::newRow("too many") << QStringList{"--simulate", "65"} << "1 to 64";

@@ -8,6 +8,7 @@
 
 #include <QDockWidget>
 #include <QLabel>
+#include <QPushButton>
 #include <QtTest>
 
 using host::ViewerDelegate;
@@ -29,6 +30,8 @@ private Q_SLOTS:
     void visibleBesideAnOlderLayout();
     void returnsToItsPlace();
     void deletedWidgetTakesItsDock();
+    void tallWidgetScrolls();
+    void focusReachesTheWidget();
     void nothingToDock();
     void widgetAfterTheWindow();
     void cameraControl();
@@ -37,7 +40,13 @@ private Q_SLOTS:
     void decoratesPlotsOnce();
 
 private:
-    QDockWidget *dock(QWidget *widget) { return qobject_cast<QDockWidget *>(widget->parentWidget()); }
+    static QDockWidget *dock(const QWidget *widget)
+    {
+        QWidget *parent = widget->parentWidget();
+        while (parent && !qobject_cast<QDockWidget *>(parent))
+            parent = parent->parentWidget();
+        return qobject_cast<QDockWidget *>(parent);
+    }
     void add(QWidget *widget, Qt::DockWidgetArea area = Qt::BottomDockWidgetArea,
              Qt::DockWidgetAreas allowed = Qt::TopDockWidgetArea | Qt::BottomDockWidgetArea)
     {
@@ -193,6 +202,40 @@ void ViewerDelegateTest::deletedWidgetTakesItsDock()
     delete widget;
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!frame);
+}
+
+void ViewerDelegateTest::tallWidgetScrolls()
+{
+    auto *widget = new QWidget;
+    widget->setMinimumSize(5000, 100);
+    add(widget);
+    m_window->show();
+    widget->setMinimumSize(5000, 5000); // grows later
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QCoreApplication::processEvents();
+    QVERIFY2(m_window->minimumSizeHint().height() < 768,
+             qPrintable(QString::number(m_window->minimumSizeHint().height())));
+    QCOMPARE(m_window->size(), QSize(1000, 700));
+    QTRY_COMPARE(widget->size(), QSize(5000, 5000)); // all of it can be reached
+}
+
+void ViewerDelegateTest::focusReachesTheWidget()
+{
+    auto *widget = new QWidget;
+    auto *button = new QPushButton("first", widget);
+    auto *other = new QPushButton("other");
+    m_window->setCentralWidget(other);
+    add(widget);
+    m_window->show();
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    other->setFocus();
+    dock(widget)->widget()->setFocus(Qt::ShortcutFocusReason);
+    QCOMPARE(m_window->focusWidget(), widget);
+    QTest::keyClick(widget, Qt::Key_Tab);
+    QCOMPARE(m_window->focusWidget(), static_cast<QWidget *>(button));
+    delete widget; // the frame goes later and may be asked for focus until then
+    m_window->findChild<QDockWidget *>()->widget()->setFocus();
 }
 
 void ViewerDelegateTest::nothingToDock()

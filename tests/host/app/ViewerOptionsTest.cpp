@@ -98,6 +98,7 @@ void ViewerOptionsTest::wrongUse_data()
     QTest::newRow("unknown option") << QStringList{"--bogus"} << "bogus";
     QTest::newRow("positional") << QStringList{"what"} << "what";
     QTest::newRow("value missing") << QStringList{"--settings"} << "settings";
+    QTest::newRow("the toolkit's value missing") << QStringList{"--open-all", "--platform"} << "platform";
     QTest::newRow("empty folder") << QStringList{"--plugin-path", ""} << "--plugin-path";
     QTest::newRow("empty folder among others")
         << QStringList{"--plugin-path", "/a", "--plugin-path="} << "--plugin-path";
