@@ -133,6 +133,7 @@ class Screen:
 
             self.environment["DISPLAY"] = ":" + wait_for(number, "the X server")
         self._start(["openbox"])
+        wait_for(self._is_managed, "the window manager")
         os.environ["DISPLAY"] = self.environment["DISPLAY"]
         return self
 
@@ -145,6 +146,12 @@ class Screen:
                 except subprocess.TimeoutExpired:
                     process.kill()
                     process.wait()
+
+    def _is_managed(self):
+        answer = subprocess.run(
+            ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=self.environment, capture_output=True, text=True
+        )
+        return "window id" in answer.stdout
 
     def _start(self, command, **options):
         process = subprocess.Popen(
