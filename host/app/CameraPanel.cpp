@@ -253,6 +253,7 @@ void CameraPanel::tell(const QString &problem)
     m_message->setVisible(!problem.isEmpty());
     if (!problem.isEmpty())
         qWarning("%s", qUtf8Printable(problem));
+    Q_EMIT problemTold(problem);
 }
 
 } // namespace host

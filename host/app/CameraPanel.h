@@ -43,6 +43,9 @@ Q_SIGNALS:
     /// \param hCam as selectedCamera()
     void selectedCameraChanged(ZUCORE_HANDLE hCam);
 
+    /// What the panel tells the user changed; empty: it is over.
+    void problemTold(const QString &problem);
+
 private:
     void buildActions();
     void buildWidgets();

@@ -50,6 +50,9 @@ MainWindow::MainWindow(const ViewerParts &parts)
     };
     connect(m_cameras, &CameraPanel::selectedCameraChanged, this, show);
     show(m_cameras->selectedCamera());
+    // The panel may lie behind another one.
+    connect(m_cameras, &CameraPanel::problemTold, this,
+            [this](const QString &problem) { statusBar()->showMessage(problem); });
 
     showSettingsProblem();
 }

@@ -2,6 +2,7 @@
 
 #include "host/app/RowMerge.h"
 #include "host/core/HostCore.h"
+#include "zuCore/CxCameraManager.h"
 #include "zuCore/ZuApi.h"
 
 #include <QFont>
@@ -269,6 +270,8 @@ bool ParameterModel::setData(const QModelIndex &index, const QVariant &value, in
         problem = tr("The camera refused %1 = %2.")
                       .arg(QString::fromStdString(changed.description.name),
                            valueText(changed.description, number));
+        if (CxCameraManager::instance()->isCameraRunning(m_camera))
+            problem += QLatin1Char(' ') + tr("Stop the acquisition first.");
         qWarning("%s", qUtf8Printable(problem));
     }
     refresh();

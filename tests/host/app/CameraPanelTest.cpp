@@ -297,13 +297,17 @@ void CameraPanelTest::aLostCameraVanishesAndTheOthersGoOn()
     m_panel->openAll();
     m_core.startAcquisition(m_core.cameras()[2].handle);
     select(1);
-    QTest::ignoreMessage(QtWarningMsg, "Camera Model B SN-B was lost.");
+    const QString text = "Camera Model B SN-B was lost.";
+    QTest::ignoreMessage(QtWarningMsg, qPrintable(text));
+    const QSignalSpy told(m_panel.get(), &CameraPanel::problemTold);
     m_b->plug(false);
     QList<int> listed; // when another camera became the selected one
     connect(m_panel.get(), &CameraPanel::selectedCameraChanged, this,
             [&] { listed << m_list->model()->rowCount(); });
     m_core.pollDevices();
     QCOMPARE(listed, QList<int>{2});
+    QCOMPARE(told.size(), 1);
+    QCOMPARE(told[0][0].toString(), text);
     QCOMPARE(states(), (QStringList{"Open", "Acquiring"}));
     QVERIFY(!m_message->isHidden());
     QVERIFY(m_panel->selectedCamera());

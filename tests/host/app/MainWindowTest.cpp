@@ -1,6 +1,7 @@
 #include "host/app/MainWindow.h"
 
 #include "host/app/CameraControl.h"
+#include "host/app/CameraPanel.h"
 #include "host/app/LogStore.h"
 #include "host/app/PluginCatalog.h"
 #include "host/app/ShortcutsDialog.h"
@@ -17,6 +18,7 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QStatusBar>
 #include <QTableWidget>
 #include <QtTest>
 
@@ -42,6 +44,7 @@ private Q_SLOTS:
     void pluginDialog();
     void closingAsksForTheEnd();
     void settingsProblemIsShown();
+    void cameraProblemIsShown();
 };
 
 namespace {
@@ -334,6 +337,16 @@ void MainWindowTest::settingsProblemIsShown()
     auto *status = rig.window->findChild<QLabel *>("statusText");
     QVERIFY2(status->text().contains("s.ini.bak"), qPrintable(status->text()));
     QVERIFY(rig.window->minimumSizeHint().width() < 800); // however long the text is
+}
+
+void MainWindowTest::cameraProblemIsShown()
+{
+    const QTemporaryDir folder;
+    const Rig rig(folder.filePath("settings.ini"));
+    Q_EMIT rig.window->cameras().problemTold("Camera A was lost.");
+    QCOMPARE(rig.window->statusBar()->currentMessage(), QString("Camera A was lost."));
+    Q_EMIT rig.window->cameras().problemTold({});
+    QCOMPARE(rig.window->statusBar()->currentMessage(), QString());
 }
 
 QTEST_MAIN(MainWindowTest)

@@ -232,6 +232,12 @@ void ParameterPanelTest::tellsARefusedWriteAndShowsTheValueInForce()
     QCOMPARE(value("gain"), QString("9"));
     QVERIFY(m_tree->model()->setData(find("gain"), 4));
     QCOMPARE(m_status->text(), QString());
+
+    QVERIFY(m_core.startAcquisition(m_core.cameras()[0].handle));
+    const QString hint = "The camera refused mode = Fast. Stop the acquisition first.";
+    QTest::ignoreMessage(QtWarningMsg, qPrintable(hint));
+    QVERIFY(!m_tree->model()->setData(find("mode"), 1));
+    QCOMPARE(m_status->text(), hint);
 }
 
 void ParameterPanelTest::showsTheValueThatTheCameraTook()
