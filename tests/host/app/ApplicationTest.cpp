@@ -27,15 +27,18 @@ void ApplicationTest::exceptionsAreLogged()
 {
     QFETCH(bool, standard);
     QFETCH(QString, reason);
-    QPushButton button;
-    connect(&button, &QPushButton::clicked, &button, [standard] {
+    // Posted, because the toolkit leaks a few bytes where an exception passes its
+    // handling of the mouse.
+    QTimer receiver;
+    const auto slot = [standard] {
         if (standard)
             throw std::runtime_error("no more bolts");
         throw 42;
-    });
-    const QString line = "QPushButton threw an exception while it handled an event: " + reason;
+    };
+    QMetaObject::invokeMethod(&receiver, slot, Qt::QueuedConnection);
+    const QString line = "QTimer threw an exception while it handled an event: " + reason;
     QTest::ignoreMessage(QtCriticalMsg, qPrintable(line));
-    QTest::mouseClick(&button, Qt::LeftButton);
+    QCoreApplication::sendPostedEvents(&receiver);
 }
 
 void ApplicationTest::otherEventsAreDelivered()
