@@ -12,7 +12,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 from PIL import Image  # noqa: E402
 
-PATIENCE = 20.0  # seconds until something that must come is missed
+PATIENCE = 40.0  # seconds until something that must come is missed
 
 
 def wait_for(condition, what, patience=PATIENCE):
