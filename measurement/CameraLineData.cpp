@@ -96,6 +96,6 @@ bool CxCameraLineData::AllocateBuffers(unsigned int count)
 
 bool CxCameraLineData::isMeasurementRunning()
 {
-    const QMutexLocker locker(&mutex);
+    const QMutexLocker locker(exporting ? nullptr : &mutex);
     return running.load();
 }

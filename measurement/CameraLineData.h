@@ -15,6 +15,7 @@
 class CxAcquisitionThread;
 class QCPGraph;
 class QCPRange;
+class QWidget;
 
 /// What a measurement records.
 enum MeasureMode : int {
@@ -39,7 +40,8 @@ enum ExTimestampOrigin : int {
 /// lists, the statistics and the start and stop transitions; settings and
 /// `savedParams` belong to the owner's thread. A setting that the owner edits
 /// while a measurement runs is written under `mutex`, because the thread reads
-/// it as it begins. The object must not be destroyed before stopMeasurement().
+/// it as it begins. The object must not be destroyed before stopMeasurement(),
+/// nor while its records are exported: discard() sees to both.
 class CxCameraLineData
 {
 public:
@@ -111,7 +113,8 @@ public:
     CxCameraLineData &operator=(const CxCameraLineData &) = delete;
 
     /// Deletes all records and frees the scratch arrays. The caller holds
-    /// `mutex` when a thread may run. Statistics and counters stay.
+    /// `mutex` when a thread may run, and has no export running. Statistics and
+    /// counters stay.
     void clearData();
 
     /// Gives each of the three scratch arrays `count` elements of undefined
@@ -120,17 +123,23 @@ public:
 
     bool isMeasurementRunning();
 
+    /// Stops the engine's measurement and deletes the engine; if its records are
+    /// being exported, cancels that, and does both when the file is closed.
+    static void discard(CxCameraLineData *line);
+
     /// Prepares the camera, starts streaming and the acquisition thread.
     /// \param interval bytes between two samples of a frame
     /// \param capacity samples to keep (records in acquisition mode)
-    /// \return false when there is no camera or it measures already; false with
+    /// \return false when there is no camera, it measures already or the records
+    /// are being exported; false with
     /// the camera restored and the reason in the log when it cannot be prepared
     /// or does not stream
     bool startMeasurement(unsigned int interval, long long capacity);
 
     /// Ends the thread (waits for its current capture, at most about 5 s),
     /// stops streaming and restores the camera.
-    /// \return false when nothing runs or a stop is under way
+    /// \return false when nothing runs, a stop is under way or the records are
+    /// being exported
     bool stopMeasurement();
 
     /// Switches the camera into the state that `measureMode` needs, saving what
@@ -173,6 +182,32 @@ public:
     /// The same pass without graphs; needs no plotting library.
     bool calculateStatisticsThroughput(long long from, long long to, ExTimestampOrigin origin,
                                        bool resetBufferLevel);
+
+    /// Adds the camera's counters, one point per pixel column, and the frame rate
+    /// of all records, one point a second, to the graphs. Holds `mutex` for the
+    /// whole pass. Graphs may each be null; the rest as above, except that
+    /// `timeAxisRange` must not be null.
+    /// \return false when there is no record, or while the records are exported
+    bool calculateGraphsAcquisition(QCPGraph *transportSkipGraph, QCPGraph *apiSkipGraph,
+                                    QCPGraph *missedTrgOverlapGraph, QCPGraph *missedTrgOverflowGraph,
+                                    QCPGraph *bufferOverflowGraph, QCPGraph *fpsGraph,
+                                    const QCPRange *timeAxisRange, long long from, long long to,
+                                    ExTimestampOrigin origin, double msPerPixel);
+
+    /// Writes the records of [from, to] to a file of comma-separated values and
+    /// shows the progress in a modal dialog; closing that ends the export, and
+    /// the rows written so far stay.
+    ///
+    /// Runs on the GUI thread with `mutex` held, and lets events in about twenty
+    /// times a second: see CxExportGate for what their handlers have to mind.
+    /// Until it returns, this engine neither starts nor stops nor computes.
+    /// `parent` may be deleted meanwhile, which ends the export.
+    /// \param from, to microseconds on the chosen time stamp, both included
+    /// \param resetBufferLevel start every frame with an empty buffer
+    /// \return whether the file could be opened. The reason why it could not, or
+    /// why it could not be written to its end, is in the log.
+    bool exportDataToFile(const QString &fileName, QWidget *parent, long long from, long long to,
+                          ExTimestampOrigin origin, bool resetBufferLevel);
 
     /// Indices into `savedParams`.
     enum ExSavedParam : int {
@@ -236,7 +271,12 @@ public:
     std::atomic<bool> stopRequested{false};
     CxAcquisitionThread *acquisitionThread = nullptr; ///< owned while a measurement runs
 
+    /// The records are being exported, by the owner's thread: what it calls
+    /// meanwhile must not lock `mutex` again. Owner's thread only.
+    bool exporting = false;
+
 private:
+    bool discarded = false; ///< to be deleted when the export ends
     /// Mode of the running measurement: what its stop has to put back.
     std::optional<MeasureMode> startedMode;
 };

@@ -9,6 +9,10 @@
 
 bool CxCameraLineData::startMeasurement(unsigned int interval, long long capacity)
 {
+    if (exporting) {
+        cxLogFailure("CxCameraLineData::startMeasurement", "The records are being exported");
+        return false;
+    }
     const QMutexLocker locker(&mutex);
     if (!cameraHandle || running)
         return false;
@@ -43,6 +47,11 @@ bool CxCameraLineData::stopMeasurement()
 {
     if (!running || stopRequested)
         return false;
+    if (exporting) {
+        // The thread cannot end before the export lets go of the mutex.
+        cxLogFailure("CxCameraLineData::stopMeasurement", "The records are being exported");
+        return false;
+    }
 
     // Without the mutex: the loop needs it to store its current frame.
     if (acquisitionThread) {
@@ -62,4 +71,16 @@ bool CxCameraLineData::stopMeasurement()
     startedMode.reset();
     running = false;
     return true;
+}
+
+void CxCameraLineData::discard(CxCameraLineData *line)
+{
+    if (!line)
+        return;
+    if (line->exporting) {
+        line->discarded = true;
+        return;
+    }
+    line->stopMeasurement();
+    delete line;
 }

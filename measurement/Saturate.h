@@ -37,4 +37,12 @@ inline qint64 subtractSaturated(qint64 a, qint64 b)
     return difference;
 }
 
+inline qint64 multiplySaturated(qint64 a, qint64 b)
+{
+    qint64 product = 0;
+    if (__builtin_mul_overflow(a, b, &product))
+        return (a < 0) == (b < 0) ? std::numeric_limits<qint64>::max() : std::numeric_limits<qint64>::min();
+    return product;
+}
+
 } // namespace measurement

@@ -18,7 +18,7 @@ struct ThroughputWindow
 /// Evaluates the throughput model over the engine's records and keeps its
 /// results there. Holds the engine's mutex throughout.
 /// \param sink takes the points; null: statistics only
-/// \return whether at least one frame was processed
+/// \return whether at least one frame was processed; false during an export
 bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::PointSink *sink);
 
 } // namespace measurement

@@ -67,6 +67,8 @@ bool provideScratch(CxCameraLineData &line, quint64 intervals)
 
 bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::PointSink *sink)
 {
+    if (line.exporting)
+        return false;
     const QMutexLocker locker(&line.mutex);
     if (line.frames.isEmpty())
         return false;

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void truncated_data();
     void truncated();
     void sums();
+    void products();
 };
 
 void SaturateTest::truncated_data()
@@ -57,6 +58,17 @@ void SaturateTest::sums()
     QCOMPARE(subtractSaturated(lowest, 1), lowest);
     QCOMPARE(subtractSaturated(highest, -1), highest);
     QCOMPARE(subtractSaturated(-1, lowest), highest);
+}
+
+void SaturateTest::products()
+{
+    using measurement::multiplySaturated;
+    QCOMPARE(multiplySaturated(3, -5), qint64(-15));
+    QCOMPARE(multiplySaturated(10, highest), highest);
+    QCOMPARE(multiplySaturated(-10, lowest), highest);
+    QCOMPARE(multiplySaturated(10, lowest), lowest);
+    QCOMPARE(multiplySaturated(-10, highest), lowest);
+    QCOMPARE(multiplySaturated(0, lowest), qint64(0));
 }
 
 QTEST_APPLESS_MAIN(SaturateTest)

@@ -1,0 +1,154 @@
+#include "measurement/CameraLineData.h"
+#include "measurement/CsvReport.h"
+#include "measurement/ExportGate.h"
+#include "measurement/Log.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QMutexLocker>
+#include <QPointer>
+#include <QProgressDialog>
+#include <QPushButton>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr QSize dialogSize(300, 100); ///< of the dialog, unless the camera's name is longer
+constexpr int showTime = 1000;        ///< milliseconds, at most, for the dialog to appear
+constexpr int eventPeriod = 50;       ///< milliseconds between two looks at the events
+
+void logFailure(const QString &detail)
+{
+    cxLog(QStringLiteral("CxCameraLineData::exportDataToFile(): ") + detail);
+}
+
+/// The progress in a dialog, and the only place where events get in.
+class DialogProgress final : public measurement::CsvProgress
+{
+public:
+    /// \param ended set by whoever needs the export to end
+    DialogProgress(const QString &camera, int maximum, QWidget *parent, const bool &ended)
+        : m_ended(ended)
+        , m_dialog(new QProgressDialog(
+              QCoreApplication::translate("CxCameraLineData", "Exporting %1 data").arg(camera),
+              QCoreApplication::translate("CxCameraLineData", "Cancel"), 0, maximum, parent))
+    {
+        m_dialog->setWindowTitle(QCoreApplication::translate("CxCameraLineData", "Data throughput monitor"));
+        if (auto *button = m_dialog->findChild<QPushButton *>())
+            button->hide();
+        // Keeps clicks and the closing of other windows away from the engine.
+        m_dialog->setWindowModality(Qt::ApplicationModal);
+        // The maximum is an estimate: reaching it must not end the dialog. Nor
+        // must the dialog show itself again, or run the events, by itself.
+        m_dialog->setAutoReset(false);
+        m_dialog->setMinimumDuration(std::numeric_limits<int>::max());
+        QObject::connect(m_dialog.data(), &QDialog::rejected, m_dialog.data(), &QProgressDialog::cancel);
+    }
+
+    ~DialogProgress() override { delete m_dialog.data(); }
+
+    void show()
+    {
+        m_dialog->show();
+        // Showing makes room for the hidden button.
+        m_dialog->resize(std::max(dialogSize.width(), m_dialog->sizeHint().width()), dialogSize.height());
+        QCoreApplication::processEvents(QEventLoop::AllEvents, showTime);
+        m_sinceEvents.start();
+    }
+
+    void setValue(int value) override { m_value = value; }
+
+    bool wasCancelled() override
+    {
+        if (m_sinceEvents.hasExpired(eventPeriod)) {
+            if (m_dialog)
+                m_dialog->setValue(m_value);
+            QCoreApplication::processEvents();
+            m_sinceEvents.start();
+        }
+        return m_ended || !m_dialog || m_dialog->wasCanceled();
+    }
+
+private:
+    const bool &m_ended;
+    QPointer<QProgressDialog> m_dialog; ///< goes early with its parent
+    int m_value = 0;
+    QElapsedTimer m_sinceEvents;
+};
+
+int progressMaximum(const CxCameraLineData &line, const measurement::CsvWindow &window)
+{
+    switch (line.measureMode) {
+    case MeasureModeThroughput:
+        return measurement::progressMaximum(line.frames, window, line.statMin);
+    case MeasureModeAcquisition:
+        return measurement::progressMaximum(line.counterData, window, line.statMin);
+    }
+    return 0;
+}
+
+void writeReport(const CxCameraLineData &line, const measurement::CsvWindow &window,
+                 measurement::CsvFile &file, measurement::CsvProgress &progress)
+{
+    measurement::CsvReport report(file, window, progress);
+    switch (line.measureMode) {
+    case MeasureModeThroughput:
+        report.writeFrames(line.frames,
+                           {line.sampleInterval, line.avgTransportSpeedMBps, line.internalBuffSize});
+        return;
+    case MeasureModeAcquisition:
+        report.writeCounters(line.counterData);
+        return;
+    }
+    logFailure(QStringLiteral("Unknown measurement mode"));
+}
+
+/// What the owner's thread finds when events come in.
+class ExportingState
+{
+public:
+    explicit ExportingState(bool &exporting)
+        : m_exporting(exporting)
+    {
+        m_exporting = true;
+    }
+    ~ExportingState() { m_exporting = false; }
+    ExportingState(const ExportingState &) = delete;
+    ExportingState &operator=(const ExportingState &) = delete;
+
+private:
+    bool &m_exporting;
+};
+
+} // namespace
+
+bool CxCameraLineData::exportDataToFile(const QString &fileName, QWidget *parent, long long from,
+                                        long long to, ExTimestampOrigin origin, bool resetBufferLevel)
+{
+    const CxExportGate::Closer gate;
+    if (!gate.isOnly()) {
+        logFailure(QStringLiteral("Another export is running"));
+        return false;
+    }
+    measurement::CsvFile file(fileName);
+    if (!file.open()) {
+        logFailure(QStringLiteral("Cannot open ") + fileName + QStringLiteral(": ") + file.errorText());
+        return false;
+    }
+    {
+        const QMutexLocker locker(&mutex);
+        const ExportingState state(exporting);
+        const measurement::CsvWindow window = {from, to, origin, resetBufferLevel};
+        DialogProgress progress(cameraName, progressMaximum(*this, window), parent, discarded);
+        progress.show();
+        writeReport(*this, window, file, progress);
+        file.close();
+    }
+    if (file.hasFailed())
+        logFailure(QStringLiteral("Cannot write ") + fileName + QStringLiteral(": ") + file.errorText());
+    if (discarded)
+        discard(this);
+    return true;
+}
