@@ -6,12 +6,18 @@
 
 /// Settings of an engine whose measurement may be running. Each call holds the
 /// engine's mutex and gives it back before it returns: what a caller does with
-/// the answer, such as showing it in an edit, ends in another of them.
+/// the answer, such as showing it in an edit, ends in another of them. While the
+/// engine's records are exported this thread has the mutex already.
 namespace cameraSettings {
+
+inline QMutex *mutexOf(CxCameraLineData &line)
+{
+    return line.exporting ? nullptr : &line.mutex;
+}
 
 template <typename T> void store(CxCameraLineData &line, T CxCameraLineData::*setting, T value)
 {
-    const QMutexLocker locker(&line.mutex);
+    const QMutexLocker locker(mutexOf(line));
     line.*setting = value;
 }
 
@@ -19,7 +25,7 @@ template <typename T> void store(CxCameraLineData &line, T CxCameraLineData::*se
 /// \return the engine's speed afterwards, MB/s; the one before where the camera has none
 inline unsigned int readTransportSpeed(CxCameraLineData &line)
 {
-    const QMutexLocker locker(&line.mutex);
+    const QMutexLocker locker(mutexOf(line));
     line.readDefaultAvgTransportSpeed();
     return line.avgTransportSpeedMBps;
 }
@@ -28,7 +34,7 @@ inline unsigned int readTransportSpeed(CxCameraLineData &line)
 /// \return the engine's size afterwards, bytes
 inline quint64 readBufferSize(CxCameraLineData &line)
 {
-    const QMutexLocker locker(&line.mutex);
+    const QMutexLocker locker(mutexOf(line));
     line.internalBuffSize = line.readInternalCameraBufferSize();
     return line.internalBuffSize;
 }

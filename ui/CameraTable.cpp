@@ -1,6 +1,8 @@
 #include "ui/DataGraphForm.h"
 
+#include "measurement/ExportGate.h"
 #include "measurement/Log.h"
+#include "ui/CameraSettings.h"
 #include "ui/CellWidgets.h"
 #include "ui_DataGraphForm.h"
 #include "zuCore/CxCameraManager.h"
@@ -8,6 +10,9 @@
 #include "zuCoreGui/IxAppDelegate.h"
 
 namespace {
+
+/// A camera's plot area: its title and its axes.
+constexpr unsigned int layoutRowsPerCamera = 2;
 
 int rowOfCamera(const QTableWidget *table, void *camera)
 {
@@ -49,6 +54,8 @@ void fitHeight(QTableWidget *table)
 
 void CxDataGraphForm::updateCameraList()
 {
+    if (CxExportGate::putOff(this, [this] { updateCameraList(); }))
+        return;
     ui->table->clearContents();
     m_plotCheckBoxes.clear();
     clearPlotTable(ui->tablePlotCheck);
@@ -59,6 +66,9 @@ void CxDataGraphForm::updateCameraList()
     switch (m_measureMode) {
     case MeasureModeThroughput:
         AddTableItemsThrougput();
+        break;
+    case MeasureModeAcquisition:
+        AddTableItemsAcquisition();
         break;
     default:
         cxLogFailure("CxDataGraphForm::updateCameraList", "Unknown measurement mode is selected");
@@ -87,6 +97,9 @@ void CxDataGraphForm::updateCameraListRow(ZUCORE_HANDLE hCam)
     case MeasureModeThroughput:
         measureColumn = throughputColumn::Measure;
         break;
+    case MeasureModeAcquisition:
+        measureColumn = acquisitionColumn::Measure;
+        break;
     default:
         cxLogFailure("CxDataGraphForm::updateCameraListRow", "Unknown measurement mode is selected");
         return;
@@ -103,16 +116,20 @@ void CxDataGraphForm::updateCameraListRow(ZUCORE_HANDLE hCam)
     if (QWidget *button = ui->table->cellWidget(row, measureColumn))
         button->setEnabled(!hostAcquires);
 
-    updateTableItem(row, throughputColumn::AvgThroughput, cells::wholeNumber(line->avgThroughput));
-    updateTableItem(row, throughputColumn::MinThroughput, cells::wholeNumber(line->minThroughput));
-    updateTableItem(row, throughputColumn::MaxBufferLevel,
-                    cells::wholeNumber(line->maxBufferLevel) + QStringLiteral(" %"));
-    updateTableItem(row, throughputColumn::BufferOverflowCount, QString::number(line->bufferOverflowCount));
+    if (m_measureMode == MeasureModeThroughput)
+        updateThroughputCells(row, *line);
+    else
+        updateCounterCells(hCam, row);
 }
 
 void CxDataGraphForm::removeCameraListRow(ZUCORE_HANDLE hCam)
 {
-    if (m_cameraLines.contains(hCam)) {
+    CxCameraLineData *line = m_cameraLines.value(hCam);
+    // Only the exported camera has to wait: others are put back into their former
+    // state as long as they can be reached.
+    if (line && line->exporting && CxExportGate::putOff(this, [this, hCam] { removeCameraListRow(hCam); }))
+        return;
+    if (line) {
         removeCameraLine(hCam);
         const int row = rowOfCamera(ui->table, hCam);
         if (row >= 0)
@@ -120,6 +137,36 @@ void CxDataGraphForm::removeCameraListRow(ZUCORE_HANDLE hCam)
     }
     if (CxCameraManager::instance()->openedCameras().isEmpty())
         ui->btnStartAll->setEnabled(false);
+}
+
+void CxDataGraphForm::addCameraRows(const std::function<void(int, CxCameraLineData &)> &makeRow)
+{
+    CxCameraManager *cameras = CxCameraManager::instance();
+    const QList<ZUCORE_HANDLE> opened = cameras->openedCameras();
+    clearPlotAreas();
+
+    int row = 0;
+    unsigned int layoutRow = 0;
+    for (ZUCORE_HANDLE camera : opened) {
+        const CxCameraParameters *parameters = cameras->cameraParameters(camera);
+        if (!parameters)
+            continue;
+        CxCameraLineData *line = m_cameraLines.value(camera);
+        if (!line)
+            line = addCameraLine(camera, parameters->cameraInfo());
+        cameraSettings::store(*line, &CxCameraLineData::measureMode, m_measureMode);
+        makeRow(row, *line);
+        updateCameraListRow(camera);
+        line->plotEnabled = true;
+        addCameraPlot(camera, layoutRow, line->cameraName);
+        layoutRow += layoutRowsPerCamera;
+        ++row;
+    }
+    // Cameras without a parameter set have no row.
+    ui->table->setRowCount(row);
+    // Every row's camera is plotted now, even if the user had hidden them all.
+    if (row > 0)
+        ui->plot->show();
 }
 
 CxCameraLineData *CxDataGraphForm::addCameraLine(ZUCORE_HANDLE hCam, const CxCameraInfo &info)

@@ -28,6 +28,21 @@ enum : int {
 };
 } // namespace throughputColumn
 
+/// The same in acquisition mode.
+namespace acquisitionColumn {
+enum : int {
+    Camera,
+    Status,
+    DataFormat,
+    Measure,
+    Transferred,
+    FirstPlottedCounter, ///< of five
+    ExportData = FirstPlottedCounter + 5,
+    Graph,
+    Count,
+};
+} // namespace acquisitionColumn
+
 /// The camera that a widget or a plot area belongs to: property "hCam".
 void setCameraHandle(QObject *object, void *camera);
 /// Null for an object without the property, and for a null object.

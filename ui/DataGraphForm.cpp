@@ -1,6 +1,7 @@
 #include "ui/DataGraphForm.h"
 
 #include "ui/CellWidgets.h"
+#include "ui/ColouredTextDelegate.h"
 #include "ui/TimeAxis.h"
 #include "ui_DataGraphForm.h"
 #include "zuCore/CxCameraManager.h"
@@ -36,6 +37,8 @@ CxDataGraphForm::CxDataGraphForm(QWidget *parent)
     IxAppDelegate::instance()->registerPlotWidget(ui->plot);
     allowTimeNavigation(ui->plot);
     setUpTable(ui->table);
+    ui->table->setItemDelegate(new ColouredTextDelegate(ui->table));
+    ui->tablePlotCheck->setItemDelegate(new ColouredTextDelegate(ui->tablePlotCheck));
     ui->tablePlotCheck->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     ui->btnExport->addSupportedExportType(CxExportToolButton::eExportFile);
     ui->btnExport->addSupportedExportType(CxExportToolButton::eExportClipboard);
@@ -48,6 +51,8 @@ CxDataGraphForm::CxDataGraphForm(QWidget *parent)
     connect(cameras, &CxCameraManager::cameraClosed, this, &CxDataGraphForm::removeCameraListRow);
     connect(cameras, &CxCameraManager::acquisitionStarted, this, &CxDataGraphForm::updateCameraListRow);
     connect(cameras, &CxCameraManager::acquisitionFinished, this, &CxDataGraphForm::updateCameraListRow);
+    connect(cameras, &CxCameraManager::imageFormatChanged, this,
+            &CxDataGraphForm::onComboboxFormatChangedExt);
     connect(&m_timer, &QTimer::timeout, this, &CxDataGraphForm::timerSignal);
     m_timer.setInterval(refreshPeriodMs);
     m_timer.start();
@@ -59,9 +64,11 @@ CxDataGraphForm::~CxDataGraphForm()
 {
     const QList<CxCameraLineData *> lines = m_cameraLines.values();
     for (CxCameraLineData *line : lines) {
-        if (line->stopMeasurement())
-            IxAppDelegate::instance()->setCameraControlEnabled(line->cameraHandle, true);
-        delete line;
+        void *camera = line->cameraHandle;
+        const bool measured = line->isMeasurementRunning();
+        CxCameraLineData::discard(line);
+        if (measured)
+            IxAppDelegate::instance()->setCameraControlEnabled(camera, true);
     }
     m_cameraLines.clear();
     delete ui;

@@ -9,6 +9,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <functional>
+
 namespace Ui {
 class CxDataGraphForm;
 }
@@ -32,6 +34,7 @@ struct CxCameraInfo;
 class CxDataGraphForm : public QWidget
 {
     Q_OBJECT
+    friend class CxDataGraphSetupDlg; ///< edits the settings below
 
 public:
     explicit CxDataGraphForm(QWidget *parent = nullptr);
@@ -48,6 +51,7 @@ public:
     // The camera table ----------------------------------------------------
 
     void AddTableItemsThrougput();
+    void AddTableItemsAcquisition();
     /// Header of a column; without a tool tip where that is empty.
     void AddTableItem(int col, const QString &header, const QString &toolTip);
     /// A quantity's check box and name in the table beside the plot.
@@ -71,10 +75,17 @@ public:
     QCPAxisRect *GetCameraPlot(void *hCam);
     /// Adds a title at `layoutRow` of the plot's grid and the axes below it.
     bool AddCameraPlotThroughput(void *hCam, unsigned int layoutRow, const QString &title);
+    bool AddCameraPlotAcquisition(void *hCam, unsigned int layoutRow, const QString &title);
     void ConfigurePlotAxis(QCPAxisRect *rect, QCPAxis::AxisType type, double lower, double upper,
                            const QString &label);
     /// A new graph "Min throughput" or "Max buffer level"; null for other names.
     QCPGraph *AddThrougputPlot(void *hCam, const QString &name, QColor colour);
+    /// A new graph on the camera's right axis.
+    QCPGraph *AddAcqPlotToRight(void *hCam, const QString &name, QColor colour);
+    /// A new graph of a counter on the left axis; null for a counter that the
+    /// camera does not have.
+    QCPGraph *AddStandardAcqPlot(void *hCam, const QString &name, ZU_COUNTER_SELECTOR selector,
+                                 QColor colour);
     bool IsPlotEnabled(const QString &name);
     /// Fits the left axis to its graphs and shows its bounds in the row, unless
     /// the user sets them by hand.
@@ -88,10 +99,15 @@ public Q_SLOTS:
     void updateCameraListRow(ZUCORE_HANDLE hCam);
     void removeCameraListRow(ZUCORE_HANDLE hCam);
     void updateTableItem(int row, int col, const QString &val);
+    /// Shows a counter's value in the cell, or that the camera does not have it.
+    void updateTableCounterItem(ZUCORE_HANDLE hCam, int row, int col, ZU_COUNTER_SELECTOR sel);
     void updateGraph();
     void timerSignal();
     void updateColumnNames();
+    void onComboboxFormatChanged(int newSel);
+    void onComboboxFormatChangedExt(ZUCORE_HANDLE hCam);
     void onBtnMeasure();
+    void onBtnCamExportData();
     void onChkCamPlotData(bool state);
     void onChkCamAutoTransport(bool state);
     void onEditCamTransportChanged(const QString &text);
@@ -102,6 +118,7 @@ public Q_SLOTS:
     void onEditVertScaleMinChanged(const QString &text);
     void onEditVertScaleMaxChanged(const QString &text);
     void onBtnExport(int iExportType);
+    void on_btnSetup_clicked();
     void on_btnResetZoom_clicked();
     void on_resetPan_clicked();
     void on_refreshGraph_clicked();
@@ -109,11 +126,19 @@ public Q_SLOTS:
     void on_plotChangeZoom(QCPRange range);
 
 private:
+    /// Makes the rows of the cameras that the host has open, and their plot areas.
+    /// \param makeRow fills a row with the cells of the present mode
+    void addCameraRows(const std::function<void(int row, CxCameraLineData &line)> &makeRow);
+    void updateThroughputCells(int row, const CxCameraLineData &line);
+    void updateCounterCells(ZUCORE_HANDLE hCam, int row);
+
     /// A new engine with the window's settings, entered in m_cameraLines.
     CxCameraLineData *addCameraLine(ZUCORE_HANDLE hCam, const CxCameraInfo &info);
     /// Stops and deletes a known camera's engine.
     void removeCameraLine(void *hCam);
 
+    /// Starts or stops the camera.
+    void switchMeasurement(void *camera);
     /// With the window's settings, whatever the engine holds.
     bool startLine(CxCameraLineData *line);
     /// The next three pass over cameras in the wanted state already. The first
@@ -125,6 +150,10 @@ private:
 
     /// Column of a row's plot check box; -1 in an unknown mode.
     int plotCellColumn() const;
+    /// Adds a plot area of the present mode.
+    bool addCameraPlot(void *hCam, unsigned int layoutRow, const QString &title);
+    /// A title and axes; the time axis is ready, the others are the caller's.
+    QCPAxisRect *addPlotArea(void *hCam, unsigned int layoutRow, const QString &title);
     /// Takes all titles, axes and graphs out of the plot.
     void clearPlotAreas();
     void showPlotWhenUsed();
@@ -141,9 +170,16 @@ private:
     /// Gives the view to the plots.
     void setTimeAxes();
 
+    /// The visible axes of a camera that is to be plotted, or null.
+    QCPAxisRect *plottedArea(void *hCam);
+    double millisecondsPerPixel(const QCPRange &range) const;
+    void updateAcquisitionGraphs();
+    void updateAcquisitionGraphs(void *hCam);
     void updateThroughputGraphs();
     /// \return whether the camera has data to draw
     bool updateThroughputGraphs(void *hCam);
+
+    void exportRecords(void *camera);
 
     Ui::CxDataGraphForm *ui;
     QMap<void *, CxCameraLineData *> m_cameraLines; ///< owned

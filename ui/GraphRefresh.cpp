@@ -1,25 +1,20 @@
 #include "ui/DataGraphForm.h"
 
+#include "measurement/ExportGate.h"
 #include "measurement/Log.h"
 #include "ui/CellWidgets.h"
 #include "ui/TimeAxis.h"
 #include "ui_DataGraphForm.h"
-#include "zuCoreGui/IxAppDelegate.h"
 
 #include <QCheckBox>
 #include <QMutexLocker>
 
 #include <algorithm>
 
-namespace {
-
-/// The lowest throughput of a pixel column is a view for experts.
-constexpr int minThroughputLevel = 3;
-
-} // namespace
-
 void CxDataGraphForm::timerSignal()
 {
+    if (CxExportGate::isClosed())
+        return;
     for (int row = 0; row < ui->table->rowCount(); ++row) {
         const int column = plotCellColumn();
         if (column < 0) {
@@ -45,6 +40,8 @@ void CxDataGraphForm::on_refreshGraph_clicked()
 
 void CxDataGraphForm::updateGraph()
 {
+    if (CxExportGate::putOff(this, [this] { updateGraph(); }))
+        return;
     const QMutexLocker locker(&m_mutex);
     followTime();
     ui->plot->clearGraphs();
@@ -52,49 +49,24 @@ void CxDataGraphForm::updateGraph()
     case MeasureModeThroughput:
         updateThroughputGraphs();
         break;
+    case MeasureModeAcquisition:
+        updateAcquisitionGraphs();
+        break;
     default:
         cxLogFailure("CxDataGraphForm::updateGraph", "Unknown measurement mode is selected");
         break;
     }
 }
 
-void CxDataGraphForm::updateThroughputGraphs()
+QCPAxisRect *CxDataGraphForm::plottedArea(void *hCam)
 {
-    bool drawn = false;
-    const QList<void *> cameras = m_cameraLines.keys();
-    for (void *hCam : cameras)
-        drawn = updateThroughputGraphs(hCam) || drawn;
-    if (drawn)
-        ui->plot->replot(QCustomPlot::rpRefreshHint);
+    const CxCameraLineData *line = m_cameraLines.value(hCam);
+    return line && line->plotEnabled ? GetCameraPlot(hCam) : nullptr;
 }
 
-bool CxDataGraphForm::updateThroughputGraphs(void *hCam)
+double CxDataGraphForm::millisecondsPerPixel(const QCPRange &range) const
 {
-    CxCameraLineData *line = m_cameraLines.value(hCam);
-    QCPAxisRect *rect = line->plotEnabled ? GetCameraPlot(hCam) : nullptr;
-    if (!rect)
-        return false;
-
-    const QString minName = QStringLiteral("Min throughput");
-    const QString levelName = QStringLiteral("Max buffer level");
-    QCPGraph *minGraph = nullptr;
-    if (IsPlotEnabled(minName) && IxAppDelegate::instance()->interfaceLevel() >= minThroughputLevel)
-        minGraph = AddThrougputPlot(hCam, minName, QColor(255, 165, 0));
-    QCPGraph *levelGraph = nullptr;
-    if (IsPlotEnabled(levelName))
-        levelGraph = AddThrougputPlot(hCam, levelName, QColor(30, 144, 255));
-
-    qint64 from = 0;
-    qint64 to = 0;
-    GetTimeAxisRange(&from, &to);
-    const QCPRange range = rect->axis(QCPAxis::atBottom)->range();
-    const double msPerPixel = timeaxis::millisecondsPerPixel(range.lower, range.upper, ui->plot->width());
-    if (!line->calculateGraphsThrougput(minGraph, levelGraph, &range, from, to, m_timestampOrigin, msPerPixel,
-                                        m_resetBufferLevel))
-        return false;
-    updateCameraListRow(hCam);
-    UpdateVertAxisInformation(hCam, rect);
-    return true;
+    return timeaxis::millisecondsPerPixel(range.lower, range.upper, ui->plot->width());
 }
 
 void CxDataGraphForm::updateStats()

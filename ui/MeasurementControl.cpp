@@ -1,18 +1,17 @@
 #include "ui/DataGraphForm.h"
 
+#include "measurement/ExportGate.h"
 #include "measurement/Log.h"
+#include "ui/CameraSettings.h"
 #include "ui/CellWidgets.h"
 #include "ui_DataGraphForm.h"
 #include "zuCore/CxCameraManager.h"
 #include "zuCoreGui/IxAppDelegate.h"
 
 #include <QMessageBox>
-#include <QMutexLocker>
 #include <QPointer>
 
 namespace {
-
-using Form = CxDataGraphForm;
 
 /// Tells which camera is being switched, which blocks the window. It goes with
 /// the slot that made it, however that ends.
@@ -34,12 +33,14 @@ public:
 
     void showStopping(const QString &camera)
     {
-        show(Form::tr("Stopping measurement"), Form::tr("Stopping camera %1...").arg(camera));
+        show(CxDataGraphForm::tr("Stopping measurement"),
+             CxDataGraphForm::tr("Stopping camera %1...").arg(camera));
     }
 
     void showStarting(const QString &camera)
     {
-        show(Form::tr("Starting measurement"), Form::tr("Starting camera %1...").arg(camera));
+        show(CxDataGraphForm::tr("Starting measurement"),
+             CxDataGraphForm::tr("Starting camera %1...").arg(camera));
     }
 
     void close()
@@ -70,7 +71,8 @@ private:
 
 void showStartFailure(const QString &text)
 {
-    QMessageBox box(QMessageBox::Critical, Form::tr("Failed to start measurement"), text, QMessageBox::Ok);
+    QMessageBox box(QMessageBox::Critical, CxDataGraphForm::tr("Failed to start measurement"), text,
+                    QMessageBox::Ok);
     box.setTextFormat(Qt::PlainText);
     box.exec();
 }
@@ -85,9 +87,16 @@ void setCameraControlEnabled(void *camera, bool enabled)
 void CxDataGraphForm::onBtnMeasure()
 {
     const auto *button = qobject_cast<QPushButton *>(sender());
-    void *camera = cameraHandle(button);
+    if (button)
+        switchMeasurement(cameraHandle(button));
+}
+
+void CxDataGraphForm::switchMeasurement(void *camera)
+{
+    if (CxExportGate::putOff(this, [this, camera] { switchMeasurement(camera); }))
+        return;
     CxCameraLineData *line = m_cameraLines.value(camera);
-    if (!button || !line)
+    if (!line)
         return;
 
     const QPointer<CxDataGraphForm> self(this);
@@ -127,6 +136,8 @@ void CxDataGraphForm::onBtnMeasure()
 
 void CxDataGraphForm::on_btnStartAll_clicked()
 {
+    if (CxExportGate::putOff(this, [this] { on_btnStartAll_clicked(); }))
+        return;
     const QList<ZUCORE_HANDLE> cameras = CxCameraManager::instance()->openedCameras();
     const QPointer<CxDataGraphForm> self(this);
     bool measuring = false;
@@ -216,6 +227,9 @@ void CxDataGraphForm::UpdateMeasureButtonText(void *hCam, const QString &text)
     case MeasureModeThroughput:
         column = throughputColumn::Measure;
         break;
+    case MeasureModeAcquisition:
+        column = acquisitionColumn::Measure;
+        break;
     default:
         cxLogFailure("CxDataGraphForm::UpdateMeasureButtonText", "Unknown measurement mode is selected");
         return;
@@ -231,6 +245,7 @@ void CxDataGraphForm::UpdateMeasureButtonText(void *hCam, const QString &text)
 
 void CxDataGraphForm::DisableUiForMeasurement(void *hCam, bool disable)
 {
+    // In acquisition mode an item lies there: counters can be exported at any time.
     for (int row = 0; row < ui->table->rowCount(); ++row)
         DisableTableWidget(row, throughputColumn::ExportData, hCam, disable);
 
@@ -243,7 +258,7 @@ void CxDataGraphForm::DisableUiForMeasurement(void *hCam, bool disable)
 
 void CxDataGraphForm::setDefaultCameraSettings(CxCameraLineData *line)
 {
-    const QMutexLocker locker(&line->mutex);
-    line->sampleInterval = static_cast<unsigned int>(m_samplePeriod);
-    line->maxSamples = m_maxSamples;
+    cameraSettings::store(*line, &CxCameraLineData::sampleInterval,
+                          static_cast<unsigned int>(m_samplePeriod));
+    cameraSettings::store(*line, &CxCameraLineData::maxSamples, m_maxSamples);
 }

@@ -4,21 +4,13 @@
 #include "ui/BufferLevelGraph.h"
 #include "ui/CellWidgets.h"
 #include "ui/PlotStyle.h"
+#include "ui/Quantities.h"
 #include "ui_DataGraphForm.h"
 
 #include <QCheckBox>
 #include <QMutexLocker>
 
 #include <algorithm>
-
-namespace {
-
-QPen linePen(const QColor &colour)
-{
-    return QPen(QBrush(colour), 1.0);
-}
-
-} // namespace
 
 QCPAxisRect *CxDataGraphForm::GetCameraPlot(void *hCam)
 {
@@ -30,7 +22,7 @@ QCPAxisRect *CxDataGraphForm::GetCameraPlot(void *hCam)
     return nullptr;
 }
 
-bool CxDataGraphForm::AddCameraPlotThroughput(void *hCam, unsigned int layoutRow, const QString &title)
+QCPAxisRect *CxDataGraphForm::addPlotArea(void *hCam, unsigned int layoutRow, const QString &title)
 {
     QCustomPlot *plot = ui->plot;
     const int row = static_cast<int>(layoutRow);
@@ -42,12 +34,32 @@ bool CxDataGraphForm::AddCameraPlotThroughput(void *hCam, unsigned int layoutRow
     setCameraHandle(rect, hCam);
     rect->setRangeZoom(Qt::Horizontal);
     ConfigurePlotAxis(rect, QCPAxis::atBottom, m_timeRangeLower, m_timeRangeUpper, QString());
-    ConfigurePlotAxis(rect, QCPAxis::atLeft, 0.0, 1000.0, tr("Avg. rate [MB/s]"));
-    ConfigurePlotAxis(rect, QCPAxis::atRight, -10.0, 110.0, tr("Buffer filled [%]"));
     plotstyle::fitIntoPlot(rect);
     plot->plotLayout()->addElement(row + 1, 0, rect);
+    return rect;
+}
+
+bool CxDataGraphForm::AddCameraPlotThroughput(void *hCam, unsigned int layoutRow, const QString &title)
+{
+    QCPAxisRect *rect = addPlotArea(hCam, layoutRow, title);
+    ConfigurePlotAxis(rect, QCPAxis::atLeft, 0.0, 1000.0, tr("Avg. rate [MB/s]"));
+    ConfigurePlotAxis(rect, QCPAxis::atRight, -10.0, 110.0, tr("Buffer filled [%]"));
     UpdateVertAxisInformation(hCam, rect);
     return true;
+}
+
+bool CxDataGraphForm::AddCameraPlotAcquisition(void *hCam, unsigned int layoutRow, const QString &title)
+{
+    QCPAxisRect *rect = addPlotArea(hCam, layoutRow, title);
+    ConfigurePlotAxis(rect, QCPAxis::atLeft, -0.1, 1.0, tr("Counter value"));
+    ConfigurePlotAxis(rect, QCPAxis::atRight, -0.1, 110.0, tr("FPS"));
+    return true;
+}
+
+bool CxDataGraphForm::addCameraPlot(void *hCam, unsigned int layoutRow, const QString &title)
+{
+    return m_measureMode == MeasureModeThroughput ? AddCameraPlotThroughput(hCam, layoutRow, title)
+                                                  : AddCameraPlotAcquisition(hCam, layoutRow, title);
 }
 
 void CxDataGraphForm::ConfigurePlotAxis(QCPAxisRect *rect, QCPAxis::AxisType type, double lower, double upper,
@@ -72,35 +84,6 @@ void CxDataGraphForm::ConfigurePlotAxis(QCPAxisRect *rect, QCPAxis::AxisType typ
     rect->setRangeZoomAxes(axis, nullptr);
 }
 
-QCPGraph *CxDataGraphForm::AddThrougputPlot(void *hCam, const QString &name, QColor colour)
-{
-    const QCPAxisRect *rect = GetCameraPlot(hCam);
-    QCPGraph *graph = nullptr;
-    if (name == QLatin1String("Min throughput")) {
-        if (rect)
-            graph = ui->plot->addGraph(rect->axis(QCPAxis::atBottom), rect->axis(QCPAxis::atLeft));
-        if (!graph) {
-            cxLogFailure("CxDataGraphForm::AddThrougputPlot", "Failed to allocate min throughput plot");
-            return nullptr;
-        }
-    } else if (name == QLatin1String("Max buffer level")) {
-        if (rect)
-            graph = new BufferLevelGraph(rect->axis(QCPAxis::atBottom), rect->axis(QCPAxis::atRight));
-        if (!graph) {
-            cxLogFailure("CxDataGraphForm::AddThrougputPlot", "Failed to allocate buffer fill plot");
-            return nullptr;
-        }
-        colour.setAlpha(150);
-        graph->setBrush(QBrush(colour));
-    } else {
-        cxLogFailure("CxDataGraphForm::AddThrougputPlot", "Unknown througput plot");
-        return nullptr;
-    }
-    graph->setPen(linePen(colour));
-    graph->setName(name);
-    return graph;
-}
-
 bool CxDataGraphForm::IsPlotEnabled(const QString &name)
 {
     const auto box =
@@ -114,6 +97,8 @@ int CxDataGraphForm::plotCellColumn() const
     switch (m_measureMode) {
     case MeasureModeThroughput:
         return throughputColumn::Graph;
+    case MeasureModeAcquisition:
+        return acquisitionColumn::Graph;
     default:
         return -1;
     }
@@ -146,7 +131,7 @@ void CxDataGraphForm::onChkCamPlotData(bool state)
         const CxCameraLineData *plotted = m_cameraLines.value(camera);
         if (!plotted || !plotted->plotEnabled)
             continue;
-        AddCameraPlotThroughput(camera, layoutRow, plotted->cameraName);
+        addCameraPlot(camera, layoutRow, plotted->cameraName);
         layoutRow += 2;
     }
     showPlotWhenUsed();

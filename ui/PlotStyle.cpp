@@ -74,6 +74,11 @@ QFont titleFont()
     return QFont(QStringLiteral("sans serif"), 8, QFont::Bold);
 }
 
+QPen linePen(const QColor &colour)
+{
+    return QPen(QBrush(colour), 1.0);
+}
+
 void styleAxis(QCPAxis *axis)
 {
     const QPen white(Qt::white);

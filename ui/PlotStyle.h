@@ -9,6 +9,9 @@ namespace plotstyle {
 /// For an area's name.
 QFont titleFont();
 
+/// A solid line, one pixel wide.
+QPen linePen(const QColor &colour);
+
 /// White lines and texts.
 void styleAxis(QCPAxis *axis);
 

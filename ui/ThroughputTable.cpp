@@ -1,70 +1,47 @@
 #include "ui/DataGraphForm.h"
 
 #include "ui/CameraSettings.h"
-#include "ui/CellWidgets.h"
+#include "ui/TableRows.h"
 #include "ui_DataGraphForm.h"
-#include "zuCore/CxCameraManager.h"
-#include "zuCore/CxCameraParameters.h"
+
+#include <QCheckBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPushButton>
 
 namespace {
 
 constexpr int largestSpeed = 10000;          // MB/s
 constexpr int largestBufferSize = 100000000; // kB
 constexpr int largestAxisBound = 10000;      // MB/s
-/// A camera's plot area: its title and its axes.
-constexpr unsigned int layoutRowsPerCamera = 2;
 
-struct Quantity
-{
-    const char *name; ///< of its graph
-    const char *toolTip;
-    QColor color;
+/// In the order of throughputColumn.
+constexpr tableRows::Column columns[] = {
+    tableRows::camera,
+    tableRows::status,
+    tableRows::measure,
+    {QT_TRANSLATE_NOOP("CxDataGraphForm", "Avg throughput"),
+     QT_TRANSLATE_NOOP("CxDataGraphForm", "Average data rate")},
+    {quantities::minThroughput.name, quantities::minThroughput.toolTip},
+    {quantities::maxBufferLevel.name, quantities::maxBufferLevel.toolTip},
+    {QT_TRANSLATE_NOOP("CxDataGraphForm", "Buffer overflow count"),
+     QT_TRANSLATE_NOOP("CxDataGraphForm", "Number of times internal camera buffer was totally filled")},
+    tableRows::exportData,
+    {QT_TRANSLATE_NOOP("CxDataGraphForm", "Required throughput"),
+     QT_TRANSLATE_NOOP("CxDataGraphForm", "Expected sensor speed for evaluation")},
+    {QT_TRANSLATE_NOOP("CxDataGraphForm", "Camera buffer size"),
+     QT_TRANSLATE_NOOP("CxDataGraphForm", "Size of internal camera buffer in bytes")},
+    tableRows::graph,
+    {QT_TRANSLATE_NOOP("CxDataGraphForm", "Y Axis scaling"),
+     QT_TRANSLATE_NOOP("CxDataGraphForm",
+                       "Enable/Disable Y axis automatic scaling or set manual axis range")},
 };
-
-const Quantity quantities[] = {
-    {QT_TRANSLATE_NOOP("CxDataGraphForm", "Min throughput"),
-     QT_TRANSLATE_NOOP("CxDataGraphForm", "Minimum data rate in whole data set"), QColor(255, 165, 0)},
-    {QT_TRANSLATE_NOOP("CxDataGraphForm", "Max buffer level"),
-     QT_TRANSLATE_NOOP("CxDataGraphForm", "Internal camera buffer fill percentage"), QColor(30, 144, 255)},
-};
+static_assert(std::size(columns) == throughputColumn::Count);
 
 constexpr int centredItems[] = {
     throughputColumn::Status,         throughputColumn::AvgThroughput,       throughputColumn::MinThroughput,
     throughputColumn::MaxBufferLevel, throughputColumn::BufferOverflowCount,
 };
-
-void addColumns(CxDataGraphForm &form)
-{
-    using Form = CxDataGraphForm;
-    form.AddTableItem(throughputColumn::Camera, Form::tr("Camera"), QString());
-    form.AddTableItem(throughputColumn::Status, Form::tr("Status"), Form::tr("Data gap measurement status"));
-    form.AddTableItem(throughputColumn::Measure, Form::tr("Measure"), Form::tr("Start/Stop Measurement"));
-    form.AddTableItem(throughputColumn::AvgThroughput, Form::tr("Avg throughput"),
-                      Form::tr("Average data rate"));
-    form.AddTableItem(throughputColumn::MinThroughput, Form::tr("Min throughput"),
-                      Form::tr("Minimum data rate in whole data set"));
-    form.AddTableItem(throughputColumn::MaxBufferLevel, Form::tr("Max buffer level"),
-                      Form::tr("Internal camera buffer fill percentage"));
-    form.AddTableItem(throughputColumn::BufferOverflowCount, Form::tr("Buffer overflow count"),
-                      Form::tr("Number of times internal camera buffer was totally filled"));
-    form.AddTableItem(throughputColumn::ExportData, Form::tr("Export data"),
-                      Form::tr("Export data to .csv report"));
-    form.AddTableItem(throughputColumn::RequiredThroughput, Form::tr("Required throughput"),
-                      Form::tr("Expected sensor speed for evaluation"));
-    form.AddTableItem(throughputColumn::CameraBufferSize, Form::tr("Camera buffer size"),
-                      Form::tr("Size of internal camera buffer in bytes"));
-    form.AddTableItem(throughputColumn::Graph, Form::tr("Graph"),
-                      Form::tr("Enable/Disable plotting of measured data"));
-    form.AddTableItem(throughputColumn::VerticalAxis, Form::tr("Y Axis scaling"),
-                      Form::tr("Enable/Disable Y axis automatic scaling or set manual axis range"));
-}
-
-QTableWidgetItem *makeCameraItem(const CxCameraLineData &line)
-{
-    auto *item = new QTableWidgetItem(line.cameraName);
-    setCameraHandle(item, line.cameraHandle);
-    return item;
-}
 
 void setAutomatic(const cells::EditCell &cell, bool automatic)
 {
@@ -102,13 +79,6 @@ QWidget *makeBufferSizeCell(CxDataGraphForm *form, CxCameraLineData &line)
     return cell.container;
 }
 
-QWidget *makePlotCell(CxDataGraphForm *form, const CxCameraLineData &line)
-{
-    const cells::CheckCell cell = cells::makeCheck(line.cameraHandle);
-    QObject::connect(cell.check, &QCheckBox::clicked, form, &CxDataGraphForm::onChkCamPlotData);
-    return cell.container;
-}
-
 QWidget *makeAxisCell(CxDataGraphForm *form, const CxCameraLineData &line)
 {
     const cells::RangeCell cell = cells::makeRange(line.cameraHandle, largestAxisBound);
@@ -125,78 +95,45 @@ QWidget *makeAxisCell(CxDataGraphForm *form, const CxCameraLineData &line)
 
 void addRow(QTableWidget *table, int row, CxDataGraphForm *form, CxCameraLineData &line)
 {
-    table->setItem(row, throughputColumn::Camera, makeCameraItem(line));
+    table->setItem(row, throughputColumn::Camera, tableRows::makeCameraItem(line));
     for (const int column : centredItems)
         table->setItem(row, column, cells::makeCentredItem());
+    table->setCellWidget(row, throughputColumn::Measure, tableRows::makeMeasureButton(form, line));
 
-    // The engine may have been measuring since before the table was rebuilt.
-    const bool measuring = line.isMeasurementRunning();
-    QPushButton *measure = cells::makeButton(line.cameraHandle, measuring ? CxDataGraphForm::tr("Stop")
-                                                                          : CxDataGraphForm::tr("Start"));
-    QObject::connect(measure, &QPushButton::clicked, form, &CxDataGraphForm::onBtnMeasure);
-    table->setCellWidget(row, throughputColumn::Measure, measure);
-
-    QPushButton *exportData = cells::makeButton(line.cameraHandle, CxDataGraphForm::tr("Export Data..."));
-    exportData->setEnabled(!measuring);
+    QPushButton *exportData = tableRows::makeExportButton(form, line);
+    exportData->setEnabled(!line.isMeasurementRunning());
     table->setCellWidget(row, throughputColumn::ExportData, exportData);
 
     table->setCellWidget(row, throughputColumn::RequiredThroughput, makeSpeedCell(form, line));
     table->setCellWidget(row, throughputColumn::CameraBufferSize, makeBufferSizeCell(form, line));
-    table->setCellWidget(row, throughputColumn::Graph, makePlotCell(form, line));
+    table->setCellWidget(row, throughputColumn::Graph, tableRows::makePlotCell(form, line));
     table->setCellWidget(row, throughputColumn::VerticalAxis, makeAxisCell(form, line));
-}
-
-void fillPlotTable(QTableWidget *table, CxDataGraphForm &form)
-{
-    table->setColumnCount(2);
-    table->setRowCount(int(std::size(quantities)));
-    table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    cells::setRowHeight(table);
-    int row = 0;
-    for (const Quantity &quantity : quantities)
-        form.AddPlotTableItem(row++, QLatin1String(quantity.name), CxDataGraphForm::tr(quantity.toolTip),
-                              quantity.color);
-    // No wider than a check box: the table is narrow and the names need the room.
-    table->horizontalHeader()->setMinimumSectionSize(1);
-    table->resizeColumnsToContents();
-    table->resizeRowsToContents();
 }
 
 } // namespace
 
 void CxDataGraphForm::AddTableItemsThrougput()
 {
-    CxCameraManager *cameras = CxCameraManager::instance();
-    const QList<ZUCORE_HANDLE> opened = cameras->openedCameras();
     ui->table->setColumnCount(throughputColumn::Count);
-    addColumns(*this);
+    for (int column = 0; column < throughputColumn::Count; ++column)
+        tableRows::addColumn(*this, column, columns[column]);
     ui->table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     ui->table->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    clearPlotAreas();
+    addCameraRows([this](int row, CxCameraLineData &line) { addRow(ui->table, row, this, line); });
 
-    int row = 0;
-    unsigned int layoutRow = 0;
-    for (ZUCORE_HANDLE camera : opened) {
-        const CxCameraParameters *parameters = cameras->cameraParameters(camera);
-        if (!parameters)
-            continue;
-        CxCameraLineData *line = m_cameraLines.value(camera);
-        if (!line)
-            line = addCameraLine(camera, parameters->cameraInfo());
-        cameraSettings::store(*line, &CxCameraLineData::measureMode, m_measureMode);
-        addRow(ui->table, row, this, *line);
-        updateCameraListRow(camera);
-        line->plotEnabled = true;
-        AddCameraPlotThroughput(camera, layoutRow, line->cameraName);
-        layoutRow += layoutRowsPerCamera;
-        ++row;
-    }
-    // Cameras without a parameter set have no row.
-    ui->table->setRowCount(row);
-    // Every row's camera is plotted now, even if the user had hidden them all.
-    if (row > 0)
-        ui->plot->show();
-    fillPlotTable(ui->tablePlotCheck, *this);
+    tableRows::preparePlotTable(ui->tablePlotCheck, 2);
+    tableRows::addPlotTableRow(*this, 0, quantities::minThroughput);
+    tableRows::addPlotTableRow(*this, 1, quantities::maxBufferLevel);
+    tableRows::fitPlotTable(ui->tablePlotCheck);
+}
+
+void CxDataGraphForm::updateThroughputCells(int row, const CxCameraLineData &line)
+{
+    updateTableItem(row, throughputColumn::AvgThroughput, cells::wholeNumber(line.avgThroughput));
+    updateTableItem(row, throughputColumn::MinThroughput, cells::wholeNumber(line.minThroughput));
+    updateTableItem(row, throughputColumn::MaxBufferLevel,
+                    cells::wholeNumber(line.maxBufferLevel) + QStringLiteral(" %"));
+    updateTableItem(row, throughputColumn::BufferOverflowCount, QString::number(line.bufferOverflowCount));
 }
 
 void CxDataGraphForm::updateColumnNames()
