@@ -1,41 +1,11 @@
 #include "host/core/simulation/LinkModel.h"
 
 #include "host/core/simulation/SeededHash.h"
+#include "host/core/simulation/StallState.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace host {
-
-namespace {
-
-constexpr Ticks Never = std::numeric_limits<Ticks>::max();
-
-/// Whether a stall is active at a time, and when that changes next.
-struct StallState
-{
-    bool active;
-    Ticks until;
-};
-
-StallState stallAt(const StallSettings &stall, Ticks t)
-{
-    if (t < stall.start)
-        return {false, stall.start};
-    const Ticks sinceStart = t - stall.start;
-    if (stall.period == 0) {
-        if (sinceStart < stall.length)
-            return {true, stall.start + stall.length};
-        return {false, Never};
-    }
-    const Ticks phase = sinceStart % stall.period;
-    const Ticks periodBegin = t - phase;
-    if (phase < stall.length)
-        return {true, periodBegin + stall.length};
-    return {false, periodBegin + stall.period};
-}
-
-} // namespace
 
 LinkModel::LinkModel(const CameraSettings &settings, std::uint64_t seed, std::uint64_t cameraIndex)
     : m_nominal(settings.linkMBps * 1e6)

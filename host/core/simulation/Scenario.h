@@ -66,7 +66,10 @@ struct FaultSettings
     std::vector<RegisterAddress> missingRegisters; ///< selectable, but without a value
     std::vector<int> unsupportedCounters;          ///< ZU_COUNTER_SELECTOR values
     double transportLoss = 0.0;                    ///< share of the frames lost between camera and host
-    int captureFailureEvery = 0;                   ///< every n-th frame is damaged when fetched; 0: none
+    /// Times at which the busy host takes no frame, however many wait; the depth
+    /// does not matter.
+    std::vector<StallSettings> hostPauses;
+    int captureFailureEvery = 0; ///< every n-th frame is damaged when fetched; 0: none
     std::optional<UnplugSettings> unplug;
 };
 

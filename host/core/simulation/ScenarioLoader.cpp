@@ -75,11 +75,8 @@ private:
                                            std::to_string(MaxFrameBytes) + " bytes");
         if (camera.contains("jitter"))
             settings.jitter = readJitter(camera.at("jitter"), pointer + "/jitter");
-        if (camera.contains("stalls")) {
-            const json &stalls = camera.at("stalls");
-            for (std::size_t i = 0; i < stalls.size(); ++i)
-                settings.stalls.push_back(readStall(stalls[i], pointer + "/stalls/" + std::to_string(i)));
-        }
+        if (camera.contains("stalls"))
+            settings.stalls = readStalls(camera.at("stalls"), pointer + "/stalls");
         if (camera.contains("faults"))
             settings.faults = readFaults(camera.at("faults"), pointer + "/faults");
         return settings;
@@ -90,6 +87,14 @@ private:
         const JitterSettings settings{jitter.at("fraction").get<double>(), ticksAt(jitter, "slot_ms")};
         if (settings.slot < MinJitterSlot)
             report(pointer + "/slot_ms", "a slot must last at least 0.01 ms");
+        return settings;
+    }
+
+    std::vector<StallSettings> readStalls(const json &stalls, const std::string &pointer)
+    {
+        std::vector<StallSettings> settings;
+        for (std::size_t i = 0; i < stalls.size(); ++i)
+            settings.push_back(readStall(stalls[i], pointer + "/" + std::to_string(i)));
         return settings;
     }
 
@@ -108,6 +113,8 @@ private:
     {
         FaultSettings settings;
         settings.transportLoss = faults.value("transport_loss", 0.0);
+        if (faults.contains("host_pauses"))
+            settings.hostPauses = readStalls(faults.at("host_pauses"), pointer + "/host_pauses");
         settings.captureFailureEvery = faults.value("capture_failure_every", 0);
         settings.unsupportedCounters = faults.value("unsupported_counters", std::vector<int>{});
         settings.missingParameters = faults.value("missing_parameters", std::vector<std::string>{});

@@ -1,5 +1,7 @@
 #include "host/core/simulation/SimulatedCamera.h"
 
+#include "host/core/simulation/StallState.h"
+
 #include <algorithm>
 #include <limits>
 #include <new>
@@ -152,7 +154,10 @@ bool SimulatedCamera::captureImage(Opening opening, std::chrono::milliseconds ti
         if (m_endCount != endCount || m_opening != opening)
             return false;
         Ticks wake = deadline;
-        if (m_stream) {
+        const Ticks taken = pauseEnd(now);
+        if (m_stream && taken > now) {
+            wake = std::min(taken, deadline);
+        } else if (m_stream) {
             const bool newest = m_parameters.value(ParameterId::RecentFrame) != 0;
             const auto fetched = m_stream->fetch(newest, {m_buffer.get(), m_bufferWords}, image);
             if (fetched != Stream::Fetch::Empty)
@@ -187,6 +192,19 @@ bool SimulatedCamera::isUsable() const
 {
     catchUp(m_clock->now());
     return m_open;
+}
+
+Ticks SimulatedCamera::pauseEnd(Ticks now) const
+{
+    if (!m_stream)
+        return now;
+    Ticks end = now;
+    for (const StallSettings &pause : m_settings.faults.hostPauses) {
+        const StallState state = stallAt(pause, now - m_streamStart);
+        if (state.active)
+            end = std::max(end, m_streamStart + state.until);
+    }
+    return end;
 }
 
 void SimulatedCamera::catchUp(Ticks now) const

@@ -51,6 +51,8 @@ private:
 
     /// The following are called with `m_mutex` held.
     bool isUsable() const;
+    /// End of the host's pause that lasts at `now`; `now` while there is none.
+    Ticks pauseEnd(Ticks now) const;
     void catchUp(Ticks now) const;
     void unplugIfDue(Ticks now) const;
     void endStream() const;

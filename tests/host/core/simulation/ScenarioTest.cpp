@@ -85,6 +85,7 @@ void ScenarioTest::allKeysAreRead()
           "missing_registers": [{ "unit": 8, "register": 4096 }],
           "unsupported_counters": [0, 5],
           "transport_loss": 0.01, "capture_failure_every": 9,
+          "host_pauses": [{ "start_ms": 2, "period_ms": 4, "length_ms": 3 }],
           "unplug": { "after_ms": 5, "back_after_ms": 6 }
         }
       }]
@@ -126,6 +127,10 @@ void ScenarioTest::allKeysAreRead()
     QCOMPARE(faults.unsupportedCounters, (std::vector<int>{0, 5}));
     QCOMPARE(faults.transportLoss, 0.01);
     QCOMPARE(faults.captureFailureEvery, 9);
+    QCOMPARE(faults.hostPauses.size(), std::size_t{1});
+    QCOMPARE(faults.hostPauses[0].start, Ticks{500'000});
+    QCOMPARE(faults.hostPauses[0].period, Ticks{1'000'000});
+    QCOMPARE(faults.hostPauses[0].length, Ticks{750'000});
     QCOMPARE(faults.unplug->after, Ticks{1'250'000});
     QCOMPARE(faults.unplug->backAfter.value_or(0), Ticks{1'500'000});
 }
@@ -313,7 +318,7 @@ void ScenarioTest::builtinScenarios_data()
     QTest::addColumn<int>("cameras");
     for (const char *name :
          {"steady-fast", "steady-slow", "short-stalls", "long-stall-overflow", "jitter", "back-to-back",
-          "lossy-transport", "missed-triggers", "full-buffer", "limited-camera", "unplug"})
+          "lossy-transport", "missed-triggers", "full-buffer", "every-loss", "limited-camera", "unplug"})
         QTest::newRow(name) << 1;
     QTest::newRow("two-400MBps") << 2;
 }
@@ -323,7 +328,7 @@ void ScenarioTest::builtinScenarios()
     QFETCH(int, cameras);
     const std::string name = QTest::currentDataTag();
     const auto names = builtinScenarioNames();
-    QCOMPARE(names.size(), std::size_t{12});
+    QCOMPARE(names.size(), std::size_t{13});
     QVERIFY(std::ranges::find(names, name) != names.end());
     const auto result = findScenario(name);
     QVERIFY2(result.scenario.has_value(), result.error.c_str());
@@ -344,8 +349,9 @@ void ScenarioTest::builtinScenarios()
         return camera->ledger();
     }();
     // What the name promises happens within that second.
-    QCOMPARE(ledger.count(LedgerEntryKind::MissedOverlap) > 0, name == "missed-triggers");
-    const bool overflows = name == "full-buffer" || name == "long-stall-overflow";
+    QCOMPARE(ledger.count(LedgerEntryKind::MissedOverlap) > 0,
+             name == "missed-triggers" || name == "every-loss");
+    const bool overflows = name == "full-buffer" || name == "long-stall-overflow" || name == "every-loss";
     QCOMPARE(ledger.count(LedgerEntryKind::BufferOverflow) > 0, overflows);
     QCOMPARE(ledger.count(LedgerEntryKind::MissedOverflow) > 0, overflows);
 }

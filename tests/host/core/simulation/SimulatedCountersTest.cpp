@@ -12,6 +12,8 @@ class SimulatedCountersTest : public QObject
 private Q_SLOTS:
     void queueKeepsTheOldest();
     void newestFrameDropsTheOlder();
+    void pausedHostTakesNoFrame();
+    void pauseBeyondTheTimeout();
     void overlapCounters();
     void overflowCounters();
     void lossyTransport();
@@ -52,6 +54,43 @@ void SimulatedCountersTest::newestFrameDropsTheOlder()
     QVERIFY(on.capture());
     QCOMPARE(on.image.frameNumber, 10U);
     QCOMPARE(on.counter(ZU_CNT_SEL_API_SKIP), std::int64_t{9});
+}
+
+void SimulatedCountersTest::pausedHostTakesNoFrame()
+{
+    CameraSettings settings = smallCamera();
+    settings.faults.hostPauses = {{10'000, 100'000, 40'000, 1.0}, {15'000, 0, 1'000, 1.0}};
+    CameraOnClock on(settings);
+    QVERIFY(on.camera.writeParameter("buffers_queue_size", 3));
+    QVERIFY(on.camera.startAcquisition());
+    // Frames arrive every 5000 ticks from 2500 on; 2, 3 and 4 wait through the
+    // pause, five more come meanwhile.
+    for (const std::uint32_t number : {0U, 1U, 2U}) {
+        QVERIFY(on.capture());
+        QCOMPARE(on.image.frameNumber, number);
+    }
+    QCOMPARE(on.clock->now(), Ticks{50'000});
+    QCOMPARE(on.counter(ZU_CNT_SEL_API_SKIP), std::int64_t{5});
+    for (const std::uint32_t number : {3U, 4U, 10U}) {
+        QVERIFY(on.capture());
+        QCOMPARE(on.image.frameNumber, number);
+    }
+    QCOMPARE(on.clock->now(), Ticks{52'500});
+    on.clock->advance(110'000 - on.clock->now());
+    QVERIFY(on.capture());
+    QCOMPARE(on.clock->now(), Ticks{150'000});
+}
+
+void SimulatedCountersTest::pauseBeyondTheTimeout()
+{
+    CameraSettings settings = smallCamera();
+    settings.faults.hostPauses = {{0, 0, 10 * TicksPerMillisecond, 1.0}};
+    CameraOnClock on(settings);
+    QVERIFY(on.camera.startAcquisition());
+    QVERIFY(!on.capture(std::chrono::milliseconds(4)));
+    QCOMPARE(on.clock->now(), 4 * TicksPerMillisecond);
+    QVERIFY(on.capture(std::chrono::milliseconds(6)));
+    QCOMPARE(on.clock->now(), 10 * TicksPerMillisecond);
 }
 
 void SimulatedCountersTest::overlapCounters()
