@@ -2,7 +2,7 @@
 # packaging/debian-packages.txt.
 
 find_package(Threads REQUIRED)
-find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets PrintSupport)
+find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets PrintSupport LinguistTools)
 find_package(QCustomPlot REQUIRED)
 find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)

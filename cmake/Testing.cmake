@@ -35,7 +35,7 @@ function(velmora_register_test name)
     add_test(NAME ${name} COMMAND ${checker} ${program} ${arg_COMMAND})
     set_tests_properties(${name} PROPERTIES
         TIMEOUT ${timeout}
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_NO_GLIB=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tools/lsan.supp;UBSAN_OPTIONS=print_stacktrace=1")
+        ENVIRONMENT "LC_ALL=C.UTF-8;LANGUAGE=;QT_QPA_PLATFORM=offscreen;QT_NO_GLIB=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/tools/lsan.supp;UBSAN_OPTIONS=print_stacktrace=1")
     if(arg_THREADS)
         set_tests_properties(${name} PROPERTIES LABELS threads)
         if(TARGET ${name})

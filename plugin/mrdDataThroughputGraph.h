@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plugin/Translation.h"
 #include "ui/DataGraphForm.h"
 #include "zuCoreGui/CxPlugin.h"
 
@@ -28,6 +29,7 @@ public:
     QString website() const override;
 
 private:
+    Translation m_translation;        ///< from the start: hosts ask for the name before init()
     QPointer<CxDataGraphForm> m_form; ///< the host's, once it is docked; null when it is gone
 };
 

@@ -16,10 +16,10 @@ namespace {
 using ElfHeader = ElfW(Ehdr);
 using ProgramHeader = ElfW(Phdr);
 
-QString tr(const char *text)
+struct Texts
 {
-    return QCoreApplication::translate("host::LibraryFile", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(host::LibraryFile)
+};
 
 template <typename Record> std::optional<Record> readRecord(QFile &file, quint64 offset)
 {
@@ -75,21 +75,21 @@ bool isWhole(QFile &file, const ElfHeader &header)
 LibraryFile examineLibrary(const QString &path)
 {
     if (!QFileInfo(path).isFile()) // opening a pipe would wait for its writer
-        return {LibraryFileState::NotALibrary, tr("not a file")};
+        return {LibraryFileState::NotALibrary, Texts::tr("not a file")};
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return {LibraryFileState::NotALibrary, file.errorString()};
     const QByteArray magic = file.read(SELFMAG);
     if (magic != QByteArray(ELFMAG, SELFMAG))
-        return {LibraryFileState::NotALibrary, tr("not a shared library")};
-    const QString damaged = tr("the file is damaged: a part of it is missing");
+        return {LibraryFileState::NotALibrary, Texts::tr("not a shared library")};
+    const QString damaged = Texts::tr("the file is damaged: a part of it is missing");
     const auto header = readRecord<ElfHeader>(file, 0);
     if (!header)
         return {LibraryFileState::Damaged, damaged};
     if (!isForThisProcessor(*header))
-        return {LibraryFileState::OtherProcessor, tr("built for another processor")};
+        return {LibraryFileState::OtherProcessor, Texts::tr("built for another processor")};
     if (header->e_type != ET_DYN)
-        return {LibraryFileState::NotALibrary, tr("not a shared library")};
+        return {LibraryFileState::NotALibrary, Texts::tr("not a shared library")};
     if (!isWhole(file, *header))
         return {LibraryFileState::Damaged, damaged};
     return {LibraryFileState::Usable, {}};

@@ -19,10 +19,10 @@ namespace {
 
 const QLatin1String ownIdPrefix("com.korvant.Velmora.");
 
-QString tr(const char *text)
+struct Texts
 {
-    return QCoreApplication::translate("host::PluginCatalog", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(host::PluginCatalog)
+};
 
 /// \return empty, or what the call threw
 QString exceptionOf(const std::function<void()> &call)
@@ -32,9 +32,9 @@ QString exceptionOf(const std::function<void()> &call)
         return {};
     } catch (const std::exception &problem) {
         const QString text = QString::fromLocal8Bit(problem.what());
-        return text.isEmpty() ? tr("an exception without a text") : text;
+        return text.isEmpty() ? Texts::tr("an exception without a text") : text;
     } catch (...) {
-        return tr("an exception of unknown type");
+        return Texts::tr("an exception of unknown type");
     }
 }
 
@@ -62,16 +62,16 @@ bool judge(PluginEntry &entry, const QPluginLoader &loader, const QStringList &d
     const QJsonObject metaData = loader.metaData();
     const QString id = metaData.value(QLatin1String("IID")).toString();
     if (id.isEmpty()) {
-        fail(entry, PluginState::Invalid, tr("not a Qt plug-in"));
+        fail(entry, PluginState::Invalid, Texts::tr("not a Qt plug-in"));
         return false;
     }
     entry.name = metaData.value(QLatin1String("className")).toString();
     if (!id.startsWith(ownIdPrefix)) {
-        fail(entry, PluginState::Foreign, tr("a plug-in of another program (%1)").arg(id));
+        fail(entry, PluginState::Foreign, Texts::tr("a plug-in of another program (%1)").arg(id));
         return false;
     }
     if (disabledFiles.contains(entry.fileName())) {
-        fail(entry, PluginState::Disabled, tr("switched off by the user"));
+        fail(entry, PluginState::Disabled, Texts::tr("switched off by the user"));
         return false;
     }
     return true;
@@ -94,12 +94,12 @@ void start(PluginEntry &entry, QPluginLoader &loader)
     QObject *root = nullptr;
     QString thrown = exceptionOf([&] { root = loader.instance(); });
     if (!thrown.isEmpty())
-        return fail(entry, PluginState::InitFailed, tr("its root object threw: %1").arg(thrown));
+        return fail(entry, PluginState::InitFailed, Texts::tr("its root object threw: %1").arg(thrown));
     if (!root)
         return fail(entry, PluginState::LoadFailed, withoutPath(loader.errorString(), entry.path));
     entry.plugin = qobject_cast<CxPlugin *>(root);
     if (!entry.plugin)
-        return fail(entry, PluginState::InitFailed, tr("it has no CxPlugin interface"));
+        return fail(entry, PluginState::InitFailed, Texts::tr("it has no CxPlugin interface"));
 
     bool accepted = false;
     thrown = exceptionOf([&] {
@@ -107,9 +107,9 @@ void start(PluginEntry &entry, QPluginLoader &loader)
         accepted = entry.plugin->init();
     });
     if (!thrown.isEmpty())
-        return fail(entry, PluginState::InitFailed, tr("init() threw: %1").arg(thrown));
+        return fail(entry, PluginState::InitFailed, Texts::tr("init() threw: %1").arg(thrown));
     if (!accepted)
-        return fail(entry, PluginState::InitFailed, tr("init() returned false"));
+        return fail(entry, PluginState::InitFailed, Texts::tr("init() returned false"));
     entry.state = PluginState::Loaded;
 }
 
@@ -155,17 +155,17 @@ QString pluginStateName(PluginState state)
 {
     switch (state) {
     case PluginState::Foreign:
-        return tr("foreign");
+        return Texts::tr("foreign");
     case PluginState::Invalid:
-        return tr("invalid");
+        return Texts::tr("invalid");
     case PluginState::Disabled:
-        return tr("disabled");
+        return Texts::tr("disabled");
     case PluginState::LoadFailed:
-        return tr("load failed");
+        return Texts::tr("load failed");
     case PluginState::InitFailed:
-        return tr("init failed");
+        return Texts::tr("init failed");
     case PluginState::Loaded:
-        return tr("loaded");
+        return Texts::tr("loaded");
     }
     return {};
 }

@@ -9,6 +9,7 @@
 #include "host/app/ViewerSettings.h"
 
 #include <QDebug>
+#include <QLocale>
 #include <QMainWindow>
 
 #include <cstdio>
@@ -31,6 +32,8 @@ int listPlugins(int &argc, char **argv, const ViewerOptions &options)
 {
     // Plug-ins make widgets when they start; these need a platform, not a screen.
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The states are for scripts, too: plug-ins must not mix another language in.
+    QLocale::setDefault(QLocale::c());
     int programOnly = argc > 0 ? 1 : 0;
     const Application application(programOnly, argv);
 

@@ -23,10 +23,10 @@ const QLatin1String openCamerasKey("Cameras/Open");
 const QLatin1String savePathKey("Paths/Save");
 const QLatin1String disabledPluginsKey("Plugins/Disabled");
 
-QString tr(const char *text)
+struct Texts
 {
-    return QCoreApplication::translate("host::ViewerSettings", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(host::ViewerSettings)
+};
 
 /// A name next to the file that is still free: FILE.bak, FILE.bak2, ...
 QString backupName(const QString &file)
@@ -45,9 +45,9 @@ QString reasonNotToRead(const QString &path)
     if (!info.exists())
         return {};
     if (!info.isFile())
-        return tr("it is not a regular file");
+        return Texts::tr("it is not a regular file");
     if (info.size() > maxFileBytes)
-        return tr("it is too large");
+        return Texts::tr("it is too large");
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? QString() : file.errorString();
 }
@@ -72,7 +72,7 @@ void ViewerSettings::openFile()
 {
     const QString reason = reasonNotToRead(m_file);
     if (!reason.isEmpty()) {
-        useScratch(tr("The settings file %1 cannot be read: %2. Settings of this run are not kept.")
+        useScratch(Texts::tr("The settings file %1 cannot be read: %2. Settings of this run are not kept.")
                        .arg(m_file, reason));
         return;
     }
@@ -82,21 +82,24 @@ void ViewerSettings::openFile()
     if (m_store->status() == QSettings::FormatError)
         keepDamagedFile();
     else if (!m_store->isWritable())
-        m_problem = tr("The settings file %1 cannot be written. Changed settings are not kept.").arg(m_file);
+        m_problem =
+            Texts::tr("The settings file %1 cannot be written. Changed settings are not kept.").arg(m_file);
 }
 
 void ViewerSettings::keepDamagedFile()
 {
     const QString backup = backupName(m_file);
     if (!QFile::copy(m_file, backup)) {
-        useScratch(tr("The settings file %1 is damaged and could not be copied to %2. It is left as it is; "
+        useScratch(
+            Texts::tr("The settings file %1 is damaged and could not be copied to %2. It is left as it is; "
                       "settings of this run are not kept.")
-                       .arg(m_file, backup));
+                .arg(m_file, backup));
         return;
     }
-    m_problem = tr("The settings file %1 is damaged. It was copied to %2; what could not be read starts "
-                   "anew.")
-                    .arg(m_file, backup);
+    m_problem =
+        Texts::tr("The settings file %1 is damaged. It was copied to %2; what could not be read starts "
+                  "anew.")
+            .arg(m_file, backup);
     // A store keeps its first error for good.
     m_store = std::make_unique<QSettings>(m_file, QSettings::IniFormat);
 }
@@ -114,7 +117,7 @@ QString ViewerSettings::save()
     m_store->sync();
     if (m_store->status() != QSettings::AccessError)
         return {};
-    return tr("The settings could not be written to %1.").arg(m_store->fileName());
+    return Texts::tr("The settings could not be written to %1.").arg(m_store->fileName());
 }
 
 QByteArray ViewerSettings::windowGeometry() const

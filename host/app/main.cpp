@@ -2,11 +2,13 @@
 
 #include "host/app/Application.h"
 #include "host/app/PluginListing.h"
+#include "host/app/Translation.h"
 #include "host/app/Viewer.h"
 #include "host/app/ViewerOptions.h"
 #include "host/program/SimulatedCameras.h"
 
 #include <QFile>
+#include <QLocale>
 
 #include <cstdio>
 #include <exception>
@@ -68,6 +70,7 @@ int run(int argc, char *argv[])
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
     const host::Application application(argc, argv);
+    const host::Translation translation(QLocale().uiLanguages());
     host::Viewer viewer(options, std::move(std::get<Backends>(made)));
     return viewer.run();
 }
