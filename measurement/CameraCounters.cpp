@@ -38,7 +38,7 @@ bool CxCameraLineData::IsCounterSupported(ZU_COUNTER_SELECTOR selector) const
 
 int CxCameraLineData::GetCounterValue(ZU_COUNTER_SELECTOR selector)
 {
-    const QMutexLocker locker(exporting ? nullptr : &mutex);
+    const QMutexLocker locker(isExporting() ? nullptr : &mutex);
     const CxCounterInfo *counter = findCounter(counterInfos, selector);
     return counter ? counter->value.load() : 0;
 }

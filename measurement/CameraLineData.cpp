@@ -4,6 +4,7 @@
 #include "measurement/RaceCheck.h"
 
 #include <QMutexLocker>
+#include <QThread>
 
 namespace {
 
@@ -41,6 +42,7 @@ CxCameraLineData::CxCameraLineData()
 {
     measurement::exemptFromRaceCheck(running);
     measurement::exemptFromRaceCheck(stopRequested);
+    measurement::exemptFromRaceCheck(exportingThread);
 
     counterInfos.append(new CxCounterInfo(ZU_CNT_SEL_TRANSPORT_SKIP, QStringLiteral("Transport skip")));
     counterInfos.append(new CxCounterInfo(ZU_CNT_SEL_API_SKIP, QStringLiteral("API skip")));
@@ -96,6 +98,11 @@ bool CxCameraLineData::AllocateBuffers(unsigned int count)
 
 bool CxCameraLineData::isMeasurementRunning()
 {
-    const QMutexLocker locker(exporting ? nullptr : &mutex);
+    const QMutexLocker locker(isExporting() ? nullptr : &mutex);
     return running.load();
+}
+
+bool CxCameraLineData::isExporting() const
+{
+    return exportingThread == QThread::currentThreadId();
 }

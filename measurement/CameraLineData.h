@@ -271,11 +271,12 @@ public:
     std::atomic<bool> stopRequested{false};
     CxAcquisitionThread *acquisitionThread = nullptr; ///< owned while a measurement runs
 
-    /// The records are being exported, by the owner's thread: what it calls
-    /// meanwhile must not lock `mutex` again. Owner's thread only.
-    bool exporting = false;
+    /// Whether the calling thread is exporting the records: it has `mutex` for
+    /// all that time, and nothing that it calls may lock it again. Any thread.
+    bool isExporting() const;
 
 private:
+    std::atomic<Qt::HANDLE> exportingThread{nullptr};
     bool discarded = false; ///< to be deleted when the export ends
     /// Mode of the running measurement: what its stop has to put back.
     std::optional<MeasureMode> startedMode;

@@ -55,7 +55,7 @@ bool CxCameraLineData::calculateGraphsAcquisition(QCPGraph *transportSkipGraph, 
                                                   const QCPRange *timeAxisRange, long long from, long long to,
                                                   ExTimestampOrigin origin, double msPerPixel)
 {
-    if (exporting)
+    if (isExporting())
         return false;
     const QMutexLocker locker(&mutex);
     if (counterData.isEmpty())

@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QThread>
 
 #include <algorithm>
 #include <limits>
@@ -19,9 +20,9 @@ constexpr QSize dialogSize(300, 100); ///< of the dialog, unless the camera's na
 constexpr int showTime = 1000;        ///< milliseconds, at most, for the dialog to appear
 constexpr int eventPeriod = 50;       ///< milliseconds between two looks at the events
 
-void logFailure(const QString &detail)
+void logFailure(const QString &detail, CxLogPlace caller = CxLogPlace::current())
 {
-    cxLog(QStringLiteral("CxCameraLineData::exportDataToFile(): ") + detail);
+    cxLog(QStringLiteral("CxCameraLineData::exportDataToFile(): ") + detail, caller);
 }
 
 /// The progress in a dialog, and the only place where events get in.
@@ -105,21 +106,21 @@ void writeReport(const CxCameraLineData &line, const measurement::CsvWindow &win
     logFailure(QStringLiteral("Unknown measurement mode"));
 }
 
-/// What the owner's thread finds when events come in.
+/// What this thread finds when events come in.
 class ExportingState
 {
 public:
-    explicit ExportingState(bool &exporting)
-        : m_exporting(exporting)
+    explicit ExportingState(std::atomic<Qt::HANDLE> &thread)
+        : m_thread(thread)
     {
-        m_exporting = true;
+        m_thread = QThread::currentThreadId();
     }
-    ~ExportingState() { m_exporting = false; }
+    ~ExportingState() { m_thread = nullptr; }
     ExportingState(const ExportingState &) = delete;
     ExportingState &operator=(const ExportingState &) = delete;
 
 private:
-    bool &m_exporting;
+    std::atomic<Qt::HANDLE> &m_thread;
 };
 
 } // namespace
@@ -139,11 +140,13 @@ bool CxCameraLineData::exportDataToFile(const QString &fileName, QWidget *parent
     }
     {
         const QMutexLocker locker(&mutex);
-        const ExportingState state(exporting);
+        const ExportingState state(exportingThread);
         const measurement::CsvWindow window = {from, to, origin, resetBufferLevel};
-        DialogProgress progress(cameraName, progressMaximum(*this, window), parent, discarded);
-        progress.show();
-        writeReport(*this, window, file, progress);
+        {
+            DialogProgress progress(cameraName, progressMaximum(*this, window), parent, discarded);
+            progress.show();
+            writeReport(*this, window, file, progress);
+        }
         file.close();
     }
     if (file.hasFailed())

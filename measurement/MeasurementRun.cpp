@@ -9,7 +9,7 @@
 
 bool CxCameraLineData::startMeasurement(unsigned int interval, long long capacity)
 {
-    if (exporting) {
+    if (isExporting()) {
         cxLogFailure("CxCameraLineData::startMeasurement", "The records are being exported");
         return false;
     }
@@ -47,7 +47,7 @@ bool CxCameraLineData::stopMeasurement()
 {
     if (!running || stopRequested)
         return false;
-    if (exporting) {
+    if (isExporting()) {
         // The thread cannot end before the export lets go of the mutex.
         cxLogFailure("CxCameraLineData::stopMeasurement", "The records are being exported");
         return false;
@@ -77,7 +77,7 @@ void CxCameraLineData::discard(CxCameraLineData *line)
 {
     if (!line)
         return;
-    if (line->exporting) {
+    if (line->isExporting()) {
         line->discarded = true;
         return;
     }

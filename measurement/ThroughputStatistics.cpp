@@ -67,7 +67,7 @@ bool provideScratch(CxCameraLineData &line, quint64 intervals)
 
 bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::PointSink *sink)
 {
-    if (line.exporting)
+    if (line.isExporting())
         return false;
     const QMutexLocker locker(&line.mutex);
     if (line.frames.isEmpty())

@@ -12,7 +12,7 @@ namespace cameraSettings {
 
 inline QMutex *mutexOf(CxCameraLineData &line)
 {
-    return line.exporting ? nullptr : &line.mutex;
+    return line.isExporting() ? nullptr : &line.mutex;
 }
 
 template <typename T> void store(CxCameraLineData &line, T CxCameraLineData::*setting, T value)

@@ -127,7 +127,8 @@ void CxDataGraphForm::removeCameraListRow(ZUCORE_HANDLE hCam)
     CxCameraLineData *line = m_cameraLines.value(hCam);
     // Only the exported camera has to wait: others are put back into their former
     // state as long as they can be reached.
-    if (line && line->exporting && CxExportGate::putOff(this, [this, hCam] { removeCameraListRow(hCam); }))
+    if (line && line->isExporting() &&
+        CxExportGate::putOff(this, [this, hCam] { removeCameraListRow(hCam); }))
         return;
     if (line) {
         removeCameraLine(hCam);

@@ -1,5 +1,6 @@
 """A screen with a window manager, and a program on it used by mouse and keyboard."""
 
+import io
 import os
 import signal
 import subprocess
@@ -13,6 +14,17 @@ from gi.repository import Atspi, GLib  # noqa: E402
 from PIL import Image  # noqa: E402
 
 PATIENCE = 40.0  # seconds until something that must come is missed
+
+
+def plain_environment():
+    """This one without the user's language and desktop: texts are English and
+    the toolkit's own dialogs and style are shown."""
+    environment = {name: value for name, value in os.environ.items() if not name.startswith("LC_")}
+    for name in ("LANGUAGE", "XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "KDE_FULL_SESSION",
+                 "GNOME_DESKTOP_SESSION_ID", "QT_QPA_PLATFORMTHEME", "QT_STYLE_OVERRIDE",
+                 "WAYLAND_DISPLAY"):  # fmt: skip
+        environment.pop(name, None)
+    return {**environment, "LANG": "C.UTF-8"}
 
 
 def wait_for(condition, what, patience=PATIENCE):
@@ -43,6 +55,12 @@ class Widget:
     @property
     def role(self):
         return self.node.get_role_name()
+
+    @property
+    def text(self):
+        """What stands in an edit."""
+        self.node.clear_cache()
+        return Atspi.Text.get_text(self.node, 0, -1)
 
     def has(self, state):
         self.node.clear_cache()
@@ -118,7 +136,7 @@ class Screen:
         self.size = (width, height)
         self.processes = []
         self.pointer = None
-        self.environment = dict(os.environ)
+        self.environment = plain_environment()
 
     def __enter__(self):
         with tempfile.TemporaryFile("w+") as display:
@@ -160,8 +178,8 @@ class Screen:
         self.processes.append(process)
         return process
 
-    def start(self, command, log):
-        process = subprocess.Popen(command, env=self.environment, stdout=log, stderr=log)
+    def start(self, command, log, variables):
+        process = subprocess.Popen(command, env={**self.environment, **variables}, stdout=log, stderr=log)
         self.processes.append(process)
         return process
 
@@ -203,6 +221,27 @@ class Screen:
     def type(self, text):
         self.xdotool("type", "--delay", 30, text)
 
+    def window_in_front(self, title):
+        """Whether the keys go to a window of that title. Asks the window manager
+        only, so the program may be busy."""
+        active = self._query("getactivewindow", "getwindowname")
+        return active == title
+
+    def has_window(self, title):
+        return bool(self._query("search", "--onlyvisible", "--name", f"^{title}$"))
+
+    def _query(self, *arguments):
+        """Empty where nothing is found."""
+        done = subprocess.run(["xdotool", *arguments], env=self.environment, capture_output=True, text=True)
+        return done.stdout.strip()
+
+    def clipboard_picture(self):
+        """None while the clipboard holds none."""
+        done = subprocess.run(
+            ["xclip", "-selection", "clipboard", "-t", "image/png", "-o"], env=self.environment, capture_output=True
+        )
+        return Image.open(io.BytesIO(done.stdout)).convert("RGB") if done.stdout else None
+
     def picture(self, box=None):
         """What is on the screen, or on a part of it."""
         with tempfile.NamedTemporaryFile(suffix=".png") as file:
@@ -225,10 +264,10 @@ class Screen:
 class Program:
     """A program that shows itself on the accessibility bus."""
 
-    def __init__(self, screen, *arguments):
+    def __init__(self, screen, *arguments, variables=None):
         self.screen = screen
         self.log = tempfile.TemporaryFile("w+")  # closed with the object
-        self.process = screen.start([os.environ["VELMORA"], *arguments], self.log)
+        self.process = screen.start([os.environ["VELMORA"], *arguments], self.log, variables or {})
         wait_for(self._has_window, "the program's window")
         time.sleep(1)  # the window manager gives it its place
         # Qt joins the accessibility bus when it appears, not one that is there.

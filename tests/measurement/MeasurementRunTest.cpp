@@ -100,6 +100,7 @@ void MeasurementRunTest::statesOfARun()
     QVERIFY(engine.line->running && !engine.line->stopRequested && engine.line->acquisitionThread);
     QVERIFY(engine.line->isMeasurementRunning());
     QVERIFY(!engine.line->acquisitionThread->parent());
+    QCOMPARE(engine.line->acquisitionThread->priority(), QThread::InheritPriority);
     QVERIFY(engine.line->stopMeasurement());
     QVERIFY(!engine.line->running && engine.line->stopRequested && !engine.line->acquisitionThread);
     QVERIFY(!engine.line->isMeasurementRunning());

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void bufferModel();
     void timestampOrigin_data();
     void timestampOrigin();
+    void loadedPeriodCountsForTheFramesAtHand();
     void refreshAtTheEndOfTime();
 };
 
@@ -213,6 +214,18 @@ void GraphDataTest::timestampOrigin()
     QVERIFY(cameras.measure(0, 2));
     cameras.tick();
     QTEST(cameras.cell(0, 4), "rate");
+}
+
+/// Loaded settings reach the engines at once, not only with the next start.
+void GraphDataTest::loadedPeriodCountsForTheFramesAtHand()
+{
+    MeasuringCameras cameras(1);
+    cameras.showTime(0.0, 2.0);
+    QVERIFY(cameras.measureAndStop(0, 2));
+    QCOMPARE(cameras.cell(0, 4), QString("512"));
+    cameras.rig.loadSettings({{"DTGTSamplePeriod", 2048}});
+    cameras.showTime(0.0, 2.0);
+    QCOMPARE(cameras.cell(0, 4), QString("1024"));
 }
 
 /// A view that no 64-bit time reaches.

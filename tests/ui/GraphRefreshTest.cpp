@@ -1,5 +1,6 @@
 #include "tests/ui/MeasuringCameras.h"
 
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -14,6 +15,7 @@ class GraphRefreshTest : public QObject
 
 private Q_SLOTS:
     void liveGraphOff();
+    void liveGraphOffAndMoved();
     void liveGraphOn();
     void noBoxTicked();
     void oneRefreshForAllRows();
@@ -65,6 +67,24 @@ void GraphRefreshTest::liveGraphOff()
     cameras.refresh();
     QCOMPARE(replots.size(), 1);
     QCOMPARE(int(cameras.points(0).size()), 4);
+}
+
+/// Another view is drawn while nothing measures, and left to the user meanwhile.
+void GraphRefreshTest::liveGraphOffAndMoved()
+{
+    MeasuringCameras cameras(1);
+    cameras.liveGraph()->click();
+    QVERIFY(cameras.measureAndStop(0, 3));
+    QVERIFY(cameras.points(0).empty());
+    cameras.showTime(0.0, 2.0);
+    QCOMPARE(int(cameras.points(0).size()), 2);
+
+    QVERIFY(cameras.measure(0, 2));
+    const QPointer<QCPGraph> graph = cameras.rig.graph(cameras[0], "Min throughput");
+    cameras.showTime(0.25, 2.25);
+    cameras.tick();
+    QVERIFY(graph);
+    QCOMPARE(graph->dataCount(), 2);
 }
 
 void GraphRefreshTest::liveGraphOn()

@@ -148,13 +148,20 @@ void MeasureButtonTest::failedStart_data()
 {
     QTest::addColumn<int>("failing");
     QTest::addColumn<QStringList>("sequence");
-    QTest::newRow("the camera refuses its preparation") << 0 << QStringList();
-    QTest::newRow("the camera does not stream") << 1 << QStringList("start Beta failed");
+    QTest::addColumn<QString>("logged"); // the details that the box refers to
+    QTest::newRow("the camera refuses its preparation")
+        << 0 << QStringList()
+        << "CxCameraLineData::setupCameraParameters(): "
+           "zuApi_SetParamInt(ZU_PRM_TEST_PATTERN, ZU_TESTPAT_DEVICE_SPEC_COUNTER) failed";
+    QTest::newRow("the camera does not stream")
+        << 1 << QStringList("start Beta failed")
+        << "CxCameraLineData::startMeasurement(): zuApi_StartAcquisition failed";
 }
 
 void MeasureButtonTest::failedStart()
 {
     QFETCH(int, failing);
+    QFETCH(QString, logged);
     MeasuringCameras cameras(2);
     const QStringList before = cameras.settings(1);
     cameras.host.fail(failing == 0 ? Failure::write("test_pattern", 11)
@@ -162,6 +169,7 @@ void MeasureButtonTest::failedStart()
     cameras.rig.table()->item(cameras.row(1), 1)->setText("outdated");
     cameras.clickMeasure(1);
     QTEST(cameras.sequence(), "sequence");
+    QVERIFY(cameras.log.messages().contains(logged));
     QCOMPARE(cameras.settings(1), before);
     QCOMPARE(cameras.state(1), QString("Stopped Start"));
     QVERIFY(cameras.exportButton(1)->isEnabled());

@@ -38,7 +38,28 @@ bool PacedFrames::operator()(ZU_IMG &image)
     return true;
 }
 
-MeasuringCameras::MeasuringCameras(int count)
+bool CountedFrames::operator()(ZU_IMG &image)
+{
+    const Counters &now = counters[std::min(m_frame, counters.size() - 1)];
+    for (std::size_t selector = 0; selector < now.size(); ++selector)
+        scripted::Host::instance().setValue(m_camera, "counter_value[" + std::to_string(selector) + "]",
+                                            now[selector]);
+
+    const std::size_t last = microseconds.size() - 1;
+    const quint64 time =
+        m_frame <= last ? microseconds[m_frame] : microseconds[last] + 10000 * (m_frame - last);
+    ++m_frame;
+    image.filledSize = sizeof m_word;
+    image.data = &m_word;
+    image.width = 4;
+    image.height = 1;
+    image.frameNumber = quint32(m_frame);
+    image.timestampSeconds = quint32(time / 1000000);
+    image.timestampMicroseconds = quint32(time % 1000000);
+    return true;
+}
+
+MeasuringCameras::MeasuringCameras(int count, Mode mode)
     : host(scripted::Host::instance())
 {
     for (int camera = 0; camera < count; ++camera) {
@@ -46,6 +67,8 @@ MeasuringCameras::MeasuringCameras(int count)
         setFrames(camera, PacedFrames());
     }
     rig.createForm();
+    if (mode != m_mode)
+        setMode(mode);
     host.clearCalls();
 }
 
@@ -59,9 +82,32 @@ QString MeasuringCameras::label(ZUCORE_HANDLE camera) const
     return labels.value(m_handles.indexOf(camera), "?");
 }
 
+void MeasuringCameras::setMode(Mode mode)
+{
+    rig.loadSettings({{"DTGTMeasMode", static_cast<int>(mode)}});
+    m_mode = mode;
+}
+
 void MeasuringCameras::setFrames(int camera, const PacedFrames &frames)
 {
     host.setImageSource(m_handles[camera], frames);
+}
+
+void MeasuringCameras::setFrames(int camera, const CountedFrames &frames)
+{
+    host.setImageSource(m_handles[camera], frames);
+}
+
+void MeasuringCameras::setCounters(int camera, const std::vector<CountedFrames::Counters> &counters)
+{
+    CountedFrames frames(m_handles[camera]);
+    frames.counters = counters;
+    setFrames(camera, frames);
+}
+
+QCheckBox *MeasuringCameras::quantityBox(int row) const
+{
+    return rig.find<QTableWidget>("tablePlotCheck")->cellWidget(row, 0)->findChild<QCheckBox *>();
 }
 
 bool MeasuringCameras::deliver(int camera, int frames)

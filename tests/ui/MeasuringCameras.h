@@ -8,6 +8,7 @@
 #include <QTime>
 #include <QTimer>
 
+#include <array>
 #include <functional>
 #include <vector>
 
@@ -36,13 +37,44 @@ private:
     std::size_t m_frame = 0;
 };
 
+/// Frames of acquisition mode: each is handed out after the camera's counters
+/// took the values that go with it.
+class CountedFrames
+{
+public:
+    using Counters = std::array<int, 6>; ///< by their selectors
+
+    /// Of each frame; the last go on for all others.
+    std::vector<Counters> counters = {Counters()};
+    /// Camera time stamps of the frames; those beyond follow every 10 ms.
+    std::vector<quint64> microseconds = {1000000};
+
+    /// All six alike.
+    static Counters all(int value) { return {value, value, value, value, value, value}; }
+
+    explicit CountedFrames(ZUCORE_HANDLE camera)
+        : m_camera(camera)
+    {
+    }
+
+    bool operator()(ZU_IMG &image);
+
+private:
+    ZUCORE_HANDLE m_camera;
+    std::size_t m_frame = 0;
+    quint64 m_word = 0;
+};
+
+/// The window's mode, as its settings have it.
+enum class Mode { Throughput, Acquisition };
+
 /// The plug-in's window with up to three open cameras "Alpha (A-1)",
 /// "Beta (B-2)" and "Gamma (C-3)". Message boxes are recorded and closed, the
 /// log is taken. Time stamps of a run start at the time of day of its start.
 class MeasuringCameras
 {
 public:
-    explicit MeasuringCameras(int count = 3);
+    explicit MeasuringCameras(int count = 3, Mode mode = Mode::Throughput);
 
     ZUCORE_HANDLE operator[](int camera) const { return m_handles[camera]; }
     QList<ZUCORE_HANDLE> handles() const { return m_handles; }
@@ -51,7 +83,13 @@ public:
     /// "Alpha"; "?" for another handle.
     QString label(ZUCORE_HANDLE camera) const;
 
+    /// Has the table built anew for that mode.
+    void setMode(Mode mode);
+
     void setFrames(int camera, const PacedFrames &frames);
+    /// Counters of the camera's frames, all of them 10 ms apart.
+    void setCounters(int camera, const std::vector<CountedFrames::Counters> &counters);
+    void setFrames(int camera, const CountedFrames &frames);
     /// Delivers frames and waits until a running measurement has stored them.
     bool deliver(int camera, int frames);
     /// Starts the camera with its button, has it store the frames; it goes on.
@@ -61,9 +99,11 @@ public:
     bool measureAndStop(int camera, int frames);
 
     int row(int camera) const { return rig.row(m_handles[camera]); }
-    QPushButton *measureButton(int camera) const { return rig.measureButton(row(camera)); }
-    QPushButton *exportButton(int camera) const { return rig.cellWidget<QPushButton>(row(camera), 7); }
-    QCheckBox *plotBox(int camera) const { return rig.cellWidget<QCheckBox>(row(camera), 10); }
+    QPushButton *measureButton(int camera) const { return cellWidget<QPushButton>(camera, 2, 3); }
+    QPushButton *exportButton(int camera) const { return cellWidget<QPushButton>(camera, 7, 10); }
+    QCheckBox *plotBox(int camera) const { return cellWidget<QCheckBox>(camera, 10, 11); }
+    /// The box of a quantity in the table beside the plot.
+    QCheckBox *quantityBox(int row) const;
     QPushButton *startAll() const { return rig.find<QPushButton>("btnStartAll"); }
     QPushButton *setup() const { return rig.find<QPushButton>("btnSetup"); }
     void clickMeasure(int camera) const { PluginRig::click(measureButton(camera)); }
@@ -97,7 +137,14 @@ public:
     scripted::Host &host;
 
 private:
+    /// Of the column that is the present mode's.
+    template <typename Widget> Widget *cellWidget(int camera, int throughput, int acquisition) const
+    {
+        return rig.cellWidget<Widget>(row(camera), m_mode == Mode::Throughput ? throughput : acquisition);
+    }
+
     QList<ZUCORE_HANDLE> m_handles;
+    Mode m_mode = Mode::Throughput;
 };
 
 /// The progress box on the screen, or null.

@@ -5,8 +5,10 @@
 
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -42,6 +44,7 @@ private Q_SLOTS:
     void visibleTime_data();
     void visibleTime();
     void visibleTimeAtFirst();
+    void viewThatIsShownAlready();
     void editsWithoutAPlotArea();
     void originStandsStillWithoutAMeasurement();
     void originFollowsAMeasurement_data();
@@ -309,6 +312,19 @@ void PlotFactoryTest::visibleTimeAtFirst()
     QCOMPARE(zero % 1000, Q_INT64_C(0));
     QCOMPARE(to, zero);
     QCOMPARE(from, zero - 20000000);
+}
+
+/// Setting the axes to the view comes back here.
+void PlotFactoryTest::viewThatIsShownAlready()
+{
+    const QPointer<QCPGraph> graph = m_form->AddThrougputPlot(m_camera, "Min throughput", Qt::red);
+    QVERIFY(graph);
+    QSignalSpy replots(plot(), &QCustomPlot::afterReplot);
+    m_form->on_plotChangeZoom(QCPRange(-20.0, 0.0));
+    QVERIFY(graph);
+    QCOMPARE(replots.size(), 0);
+    m_form->on_plotChangeZoom(QCPRange(-20.0, 1.0));
+    QVERIFY(!graph); // made anew for the other view
 }
 
 void PlotFactoryTest::editsWithoutAPlotArea()

@@ -40,6 +40,7 @@ private Q_SLOTS:
     void getters();
     void versionIsTheHosts();
     void initDocksOneWindow();
+    void everyInitMakesAWindow();
     void settingsBeforeInit();
     void settingsGoIntoTheGroup();
     void settingsWithinTheHostsGroup();
@@ -177,6 +178,19 @@ void PluginObjectTest::initDocksOneWindow()
     QCOMPARE(docked[0].flags, 0);
     QCOMPARE(callsOf(Function::AddPluginWidget), 1);
     QCOMPARE(Host::instance().calls().back().function, Function::AddPluginWidget);
+    Gui::instance().reset();
+}
+
+/// The host asks once; nothing keeps it from asking again.
+void PluginObjectTest::everyInitMakesAWindow()
+{
+    const PluginRig rig;
+    QVERIFY(rig.plugin()->init());
+    QVERIFY(rig.plugin()->init());
+    const QList<scripted::DockedWidget> docked = Gui::instance().dockedWidgets();
+    QCOMPARE(docked.size(), 2);
+    QVERIFY(docked[0].widget && docked[1].widget);
+    QVERIFY(docked[0].widget != docked[1].widget);
     Gui::instance().reset();
 }
 

@@ -150,10 +150,11 @@ bool BoxWatcher::eventFilter(QObject *object, QEvent *event)
         return false;
     }
     modal.append(shown);
-    QTimer::singleShot(0, box, [this, box] {
+    QTimer::singleShot(0, box, [this, guard = QPointer<QMessageBox>(box)] {
         if (onModal)
             onModal();
-        box->accept();
+        if (guard)
+            guard->accept();
     });
     return false;
 }

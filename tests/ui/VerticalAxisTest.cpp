@@ -18,6 +18,7 @@ private Q_SLOTS:
     void nothingToFit();
     void manualRangeStays();
     void boxEnablesTheEdits();
+    void boxTakesTheStateOfItsSignal();
     void boxLeavesTheAxis();
     void automaticAgain();
     void editsSetTheBounds_data();
@@ -147,6 +148,17 @@ void VerticalAxisTest::boxEnablesTheEdits()
     rig::PluginRig::click(automatic(cameras));
     QVERIFY(automatic(cameras)->isChecked());
     QVERIFY(!minimum(cameras)->isEnabled() && !maximum(cameras)->isEnabled());
+}
+
+void VerticalAxisTest::boxTakesTheStateOfItsSignal()
+{
+    MeasuringCameras cameras(1);
+    for (const bool state : {false, true}) {
+        Q_EMIT automatic(cameras)->clicked(state);
+        QCOMPARE(automatic(cameras)->isChecked(), state);
+        QCOMPARE(minimum(cameras)->isEnabled(), !state);
+        QCOMPARE(maximum(cameras)->isEnabled(), !state);
+    }
 }
 
 void VerticalAxisTest::boxLeavesTheAxis()

@@ -19,6 +19,8 @@ private Q_SLOTS:
     void cleanup();
     void nothingRecorded();
     void oneRecord();
+    void recordsOutsideTheWindow();
+    void mutexIsFreeAfterwards();
     void countersBecomeGraphData();
     void frameRate();
     void graphsMayBeAbsent();
@@ -106,6 +108,42 @@ void CounterGraphsTest::oneRecord()
     QVERIFY(calculate(QCPRange(-4.0, 0.0)));
     for (int graph = 0; graph < 6; ++graph)
         QCOMPARE(keys(graph), QVector<double>());
+}
+
+/// The frame rate goes over all records, wherever the window lies.
+void CounterGraphsTest::recordsOutsideTheWindow()
+{
+    addRecord(1000000, 1);
+    addRecord(2000000, 2);
+    for (const qint64 from : {Q_INT64_C(-90000000), Q_INT64_C(90000000)}) {
+        for (QCPGraph *graph : m_graphs)
+            graph->data()->clear();
+        m_from = from;
+        m_to = from + 1000000;
+        QVERIFY(calculate(QCPRange(-1.0, 0.0)));
+        for (int graph = 0; graph < 5; ++graph)
+            QCOMPARE(keys(graph), QVector<double>());
+        QCOMPARE(values(5), QVector<double>{1.0});
+    }
+}
+
+void CounterGraphsTest::mutexIsFreeAfterwards()
+{
+    const QCPRange range(-4.0, 0.0);
+    const auto isFree = [this] {
+        const bool taken = m_line->mutex.tryLock();
+        if (taken)
+            m_line->mutex.unlock();
+        return taken;
+    };
+    QVERIFY(!calculate(range));
+    QVERIFY(isFree());
+    addRecord(1000000, 1);
+    QVERIFY(calculate(range));
+    QVERIFY(isFree());
+    m_from = m_to = 90000000;
+    QVERIFY(calculate(range));
+    QVERIFY(isFree());
 }
 
 void CounterGraphsTest::countersBecomeGraphData()

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void closingAtTheStart();
     void closingAmongRows_data();
     void closingAmongRows();
+    void closingAmongCounterRows();
     void slowEventsDoNotShowItAgain();
 
     void refusedFile_data();
@@ -57,7 +58,7 @@ void DataExportTest::cleanup()
 
 bool DataExportTest::isOver() const
 {
-    return !CxExportGate::isClosed() && !m_rig->line.exporting && ExportRig::isFree(m_rig->line.mutex);
+    return !CxExportGate::isClosed() && !m_rig->line.isExporting() && ExportRig::isFree(m_rig->line.mutex);
 }
 
 QByteArray DataExportTest::expectedFrames(bool reset) const
@@ -146,7 +147,7 @@ void DataExportTest::dialogLook()
         QCOMPARE(buttons.first()->text(), QString("Cancel"));
         QVERIFY(buttons.first()->isHidden());
         QVERIFY(CxExportGate::isClosed());
-        QVERIFY(m_rig->line.exporting);
+        QVERIFY(m_rig->line.isExporting());
         QVERIFY(!ExportRig::isFree(m_rig->line.mutex));
     });
     QVERIFY(m_rig->exportAll());
@@ -178,27 +179,30 @@ void DataExportTest::dialogRange()
 }
 
 /// A frame that begins long before the window counts for nothing, but takes its
-/// time, here with the progress at its maximum: the dialog has to stay.
+/// time, here with the progress at its maximum: the dialog has to stay. Every
+/// sample of it makes a row, so that there is a look at the events on any machine.
 void DataExportTest::dialogOutlivesItsMaximum()
 {
     m_rig->line.statMin = 0.0;
     m_rig->from = 2000000;
     m_rig->to = 3900000; // and half as much around: 1050000 to 4850000
     m_rig->recorded->addFrame(m_rig->from, {0});
-    std::vector<quint64> times(4000000);
-    std::iota(times.begin(), times.end(), 0);
-    m_rig->recorded->addFrame(1000, times);
+    std::vector<quint64> stamps(4000000);
+    std::iota(stamps.begin(), stamps.end(), 250 * m_rig->from);
+    stamps[0] = 0;
+    m_rig->recorded->addFrameOfTicks(1000, stamps);
     bool reached = false;
-    bool visible = false;
+    bool stayed = true;
     QTimer watch;
-    m_rig->amongRows([&](QProgressDialog &dialog) {
-        reached = dialog.value() == dialog.maximum();
-        connect(&watch, &QTimer::timeout, this, [&] { visible = ExportRig::dialog() != nullptr; });
-        watch.start(1);
+    connect(&watch, &QTimer::timeout, this, [&] {
+        const QProgressDialog *dialog = ExportRig::dialog();
+        stayed = stayed && dialog;
+        reached = reached || (dialog && dialog->value() == dialog->maximum());
     });
+    watch.start(0);
     QVERIFY(m_rig->exportAll("/dev/null"));
     QVERIFY(reached);
-    QVERIFY(visible);
+    QVERIFY(stayed);
 }
 
 void DataExportTest::closingAtTheStart()
@@ -239,6 +243,25 @@ void DataExportTest::closingAmongRows()
     const int lastRow = contents.lastIndexOf('\n', contents.size() - 2) + 1;
     QCOMPARE(contents.mid(lastRow).count(','), 8);
     QVERIFY(contents.endsWith('\n'));
+}
+
+void DataExportTest::closingAmongCounterRows()
+{
+    constexpr int records = 2000000;
+    m_rig->line.measureMode = MeasureModeAcquisition;
+    for (int i = 0; i < records; ++i)
+        m_rig->addCounters(i + 1, 4);
+    int shown = 0;
+    m_rig->amongRows([&](QProgressDialog &dialog) {
+        shown = dialog.value();
+        dialog.close();
+    });
+    QVERIFY(m_rig->exportAll());
+    const QByteArray contents = m_rig->contents();
+    // Nothing is written any more once it was closed.
+    QVERIFY(0 < shown && shown < records);
+    QCOMPARE(contents.count('\n') - 1, shown);
+    QVERIFY(contents.endsWith("\n0," + QByteArray::number(shown) + ",0,0,4,0,0,0\n"));
 }
 
 /// Qt's dialog would resize and show itself once its own estimate says so.
