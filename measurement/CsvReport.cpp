@@ -1,6 +1,7 @@
 #include "measurement/CsvReport.h"
 
 #include "measurement/CsvText.h"
+#include "measurement/LinkDrain.h"
 #include "measurement/Saturate.h"
 
 #include <algorithm>
@@ -133,11 +134,7 @@ public:
         }
         if (m_lastTime == 0)
             return;
-        // Unsigned: a frame that starts before the last one ended finds the buffer empty.
-        const quint64 gap = static_cast<quint64>(timestamp) - static_cast<quint64>(m_lastTime);
-        const double drained = m_rate * static_cast<double>(gap);
-        if (drained > 0.0)
-            m_bytes = std::max(m_bytes - drained, 0.0);
+        m_bytes = throughput::levelAfterPause(m_bytes, m_rate, m_lastTime, timestamp);
         m_lastTime = 0;
     }
 
@@ -154,8 +151,7 @@ public:
     void setLastTime(qint64 time) { m_lastTime = time; }
     void setRate(const CxFrameData &frame, quint32 sampleInterval)
     {
-        const auto bytes = static_cast<qint64>(sampleInterval * frame.sampleCount);
-        m_rate = static_cast<double>(bytes) / static_cast<double>(frame.sampleSpan) * 250.0;
+        m_rate = throughput::meanRate(sampleInterval, frame.sampleCount, frame.sampleSpan);
     }
 
     double bytes() const { return m_bytes; }

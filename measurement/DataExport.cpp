@@ -91,13 +91,13 @@ int progressMaximum(const CxCameraLineData &line, const measurement::CsvWindow &
 }
 
 void writeReport(const CxCameraLineData &line, const measurement::CsvWindow &window,
-                 measurement::CsvFile &file, measurement::CsvProgress &progress)
+                 const measurement::CsvLink &link, measurement::CsvFile &file,
+                 measurement::CsvProgress &progress)
 {
     measurement::CsvReport report(file, window, progress);
     switch (line.measureMode) {
     case MeasureModeThroughput:
-        report.writeFrames(line.frames,
-                           {line.sampleInterval, line.avgTransportSpeedMBps, line.internalBuffSize});
+        report.writeFrames(line.frames, link);
         return;
     case MeasureModeAcquisition:
         report.writeCounters(line.counterData);
@@ -142,10 +142,12 @@ bool CxCameraLineData::exportDataToFile(const QString &fileName, QWidget *parent
         const QMutexLocker locker(&mutex);
         const ExportingState state(exportingThread);
         const measurement::CsvWindow window = {from, to, origin, resetBufferLevel};
+        // Taken now: the user may edit the settings as soon as events come in.
+        const measurement::CsvLink link = {sampleInterval, avgTransportSpeedMBps, internalBuffSize};
         {
             DialogProgress progress(cameraName, progressMaximum(*this, window), parent, discarded);
             progress.show();
-            writeReport(*this, window, file, progress);
+            writeReport(*this, window, link, file, progress);
         }
         file.close();
     }

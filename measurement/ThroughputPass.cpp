@@ -1,5 +1,6 @@
 #include "measurement/ThroughputPass.h"
 
+#include "measurement/LinkDrain.h"
 #include "measurement/Saturate.h"
 
 #include <algorithm>
@@ -128,19 +129,13 @@ void Pass::drain(qint64 timestamp)
     }
     if (m_lastTime == 0)
         return;
-    // Unsigned: a frame that starts before the last one ended finds the buffer empty.
-    const quint64 gap = static_cast<quint64>(timestamp) - static_cast<quint64>(m_lastTime);
-    const double drained = m_rate * static_cast<double>(gap);
-    if (drained > 0.0)
-        m_level = std::max(m_level - drained, 0.0);
+    m_level = levelAfterPause(m_level, m_rate, m_lastTime, timestamp);
     m_lastTime = 0;
 }
 
-/// Bytes over time; the bytes count the stamps, not the intervals.
 double Pass::meanRate(const Frame &frame) const
 {
-    const qint64 bytes = static_cast<qint64>(m_settings.sampleInterval * frame.count);
-    return static_cast<double>(bytes) / static_cast<double>(frame.span) * 250.0;
+    return throughput::meanRate(m_settings.sampleInterval, frame.count, frame.span);
 }
 
 void Pass::countFrame(double rate)

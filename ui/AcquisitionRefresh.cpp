@@ -46,20 +46,28 @@ QCPGraph *graphOf(ZU_COUNTER_SELECTOR selector, const CounterGraphs &graphs)
     return nullptr;
 }
 
-} // namespace
-
-QCPGraph *CxDataGraphForm::AddAcqPlotToRight(void *hCam, const QString &name, QColor colour)
+/// \param rect may be null
+/// \param caller for the log
+QCPGraph *addGraph(QCPAxisRect *rect, QCPAxis::AxisType side, const QString &name, const QColor &colour,
+                   const char *caller)
 {
-    const QCPAxisRect *rect = GetCameraPlot(hCam);
     QCPGraph *graph =
-        rect ? ui->plot->addGraph(rect->axis(QCPAxis::atBottom), rect->axis(QCPAxis::atRight)) : nullptr;
+        rect ? rect->parentPlot()->addGraph(rect->axis(QCPAxis::atBottom), rect->axis(side)) : nullptr;
     if (!graph) {
-        cxLogFailure("CxDataGraphForm::AddAcqPlotToRight", "Failed to allocate plot");
+        cxLogFailure(caller, "Failed to allocate plot");
         return nullptr;
     }
     graph->setPen(plotstyle::linePen(colour));
     graph->setName(name);
     return graph;
+}
+
+} // namespace
+
+QCPGraph *CxDataGraphForm::AddAcqPlotToRight(void *hCam, const QString &name, QColor colour)
+{
+    return addGraph(GetCameraPlot(hCam), QCPAxis::atRight, name, colour,
+                    "CxDataGraphForm::AddAcqPlotToRight");
 }
 
 QCPGraph *CxDataGraphForm::AddStandardAcqPlot(void *hCam, const QString &name, ZU_COUNTER_SELECTOR selector,
@@ -68,16 +76,8 @@ QCPGraph *CxDataGraphForm::AddStandardAcqPlot(void *hCam, const QString &name, Z
     const CxCameraLineData *line = m_cameraLines.value(hCam);
     if (!line || !line->IsCounterSupported(selector))
         return nullptr;
-    const QCPAxisRect *rect = GetCameraPlot(hCam);
-    QCPGraph *graph =
-        rect ? ui->plot->addGraph(rect->axis(QCPAxis::atBottom), rect->axis(QCPAxis::atLeft)) : nullptr;
-    if (!graph) {
-        cxLogFailure("CxDataGraphForm::AddStandardAcqPlot", "Failed to allocate plot");
-        return nullptr;
-    }
-    graph->setPen(plotstyle::linePen(colour));
-    graph->setName(name);
-    return graph;
+    return addGraph(GetCameraPlot(hCam), QCPAxis::atLeft, name, colour,
+                    "CxDataGraphForm::AddStandardAcqPlot");
 }
 
 void CxDataGraphForm::updateAcquisitionGraphs()

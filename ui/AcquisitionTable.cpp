@@ -5,7 +5,6 @@
 #include "ui_DataGraphForm.h"
 
 #include <QComboBox>
-#include <QHeaderView>
 #include <QPushButton>
 
 namespace {
@@ -72,10 +71,7 @@ void CxDataGraphForm::AddTableItemsAcquisition()
     ui->table->setColumnCount(acquisitionColumn::Count);
     for (int column = 0; column < acquisitionColumn::Count; ++column)
         tableRows::addColumn(*this, column, columns[column]);
-    // The user may change the widths here; they start so that all can be read.
-    ui->table->horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
     addCameraRows([this](int row, CxCameraLineData &line) { addRow(ui->table, row, this, line); });
-    ui->table->resizeColumnsToContents();
 
     int row = 0;
     tableRows::preparePlotTable(ui->tablePlotCheck, int(std::size(quantities::plottedCounters)) + 1);

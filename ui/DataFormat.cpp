@@ -9,6 +9,7 @@
 #include "zuCore/ZuApi.h"
 
 #include <QComboBox>
+#include <QVariant>
 
 namespace {
 
@@ -20,6 +21,25 @@ CxCameraParam *formatParameter(CxCameraParameters *parameters)
 CxCameraParameters *parametersOf(ZUCORE_HANDLE camera)
 {
     return CxCameraManager::instance()->cameraParameters(camera);
+}
+
+/// The format that a box made the camera take by following it; see below.
+const char echoProperty[] = "echo";
+
+/// Formats count from 0 in the order of the list: the value is the index. A new
+/// selection writes the entry's format back to the camera. Where a camera counts
+/// in another way that is a different one; following its notification in turn,
+/// box and camera could chase each other for ever.
+void followFormat(QComboBox *box, int value)
+{
+    const QVariant echo = box->property(echoProperty);
+    box->setProperty(echoProperty, QVariant());
+    if (echo.isValid() && echo.toInt() == value)
+        return;
+    const QVariant written = box->itemData(value);
+    if (box->currentIndex() != value && written.isValid() && written.toInt() != value)
+        box->setProperty(echoProperty, written);
+    box->setCurrentIndex(value);
 }
 
 } // namespace
@@ -67,9 +87,8 @@ void CxDataGraphForm::onComboboxFormatChangedExt(ZUCORE_HANDLE hCam)
         auto *box = qobject_cast<QComboBox *>(ui->table->cellWidget(row, acquisitionColumn::DataFormat));
         if (!box || cameraHandle(box) != hCam)
             continue;
-        // Formats count from 0 in the order of the list: the value is the index.
         if (const CxCameraParam *format = formatParameter(parametersOf(hCam)))
-            box->setCurrentIndex(format->paramValue().toInt());
+            followFormat(box, format->paramValue().toInt());
         return;
     }
 }

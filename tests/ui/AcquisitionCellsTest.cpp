@@ -24,6 +24,7 @@ private Q_SLOTS:
     void plotCell();
     void everyInputBearsTheCamera();
     void plotCheckTable();
+    void plotCheckTableFitsItsNames();
     void plotCheckRows_data();
     void plotCheckRows();
     void plotCheckRowsAfterRebuilds();
@@ -179,6 +180,22 @@ void AcquisitionCellsTest::plotCheckTable()
     QVERIFY(table->verticalHeader()->isHidden());
     QCOMPARE(table->verticalHeader()->defaultSectionSize(), 24);
     QCOMPARE(table->verticalHeader()->sectionResizeMode(0), QHeaderView::Fixed);
+}
+
+/// The table is narrow: in neither mode is a name cut off or to be scrolled to.
+void AcquisitionCellsTest::plotCheckTableFitsItsNames()
+{
+    MeasuringCameras cameras(1);
+    auto *table = cameras.rig.find<QTableWidget>("tablePlotCheck");
+    const QAbstractItemView *view = table;
+    for (const Mode mode : {Mode::Throughput, Mode::Acquisition}) {
+        cameras.setMode(mode);
+        for (int column = 0; column < 2; ++column)
+            QCOMPARE(table->columnWidth(column), view->sizeHintForColumn(column));
+        for (int row = 0; row < table->rowCount(); ++row)
+            QVERIFY(table->rowHeight(row) >= view->sizeHintForRow(row));
+        QVERIFY(table->horizontalHeader()->length() <= table->viewport()->width());
+    }
 }
 
 void AcquisitionCellsTest::plotCheckRows_data()

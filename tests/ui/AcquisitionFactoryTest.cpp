@@ -1,6 +1,7 @@
 #include "tests/ui/MeasuringCameras.h"
 #include "ui/DataGraphForm.h"
 
+#include <QHBoxLayout>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
@@ -26,6 +27,7 @@ private Q_SLOTS:
     void plotNames();
     void counterCellsAtFirst();
     void columnSevenIsTheOneThatIsDisabled();
+    void leftAxisIsNotFittedToARow();
 
 private:
     void setMode(int mode);
@@ -209,6 +211,30 @@ void AcquisitionFactoryTest::columnSevenIsTheOneThatIsDisabled()
     QVERIFY(!widget->isEnabled());
     m_form->DisableUiForMeasurement(m_camera, false);
     QVERIFY(widget->isEnabled());
+}
+
+/// Even if its row had what throughput mode's rows have.
+void AcquisitionFactoryTest::leftAxisIsNotFittedToARow()
+{
+    QVERIFY(prepareCamera());
+    auto *cell = new QWidget;
+    auto *layout = new QHBoxLayout(cell);
+    auto *automatic = new QCheckBox;
+    automatic->setChecked(true);
+    automatic->setProperty("hCam", qulonglong(reinterpret_cast<quintptr>(m_camera)));
+    auto *minimum = new QLineEdit("0");
+    layout->addWidget(automatic);
+    layout->addWidget(minimum);
+    layout->addWidget(new QLineEdit("0"));
+    table()->setCellWidget(0, 11, cell);
+
+    QCPAxisRect *rect = m_form->GetCameraPlot(m_camera);
+    rect->axis(QCPAxis::atLeft)->setRange(-0.1, 1.0);
+    QCPGraph *graph = m_form->AddStandardAcqPlot(m_camera, "API skip", ZU_CNT_SEL_API_SKIP, Qt::red);
+    graph->addData({0.0, 1.0}, {50.0, 70.0});
+    m_form->UpdateVertAxisInformation(m_camera, rect);
+    QCOMPARE(rect->axis(QCPAxis::atLeft)->range(), QCPRange(-0.1, 1.0));
+    QCOMPARE(minimum->text(), QString("0"));
 }
 
 QTEST_MAIN(AcquisitionFactoryTest)

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void noGraphOfAnUnsupportedCounter();
     void noGraphOfAnUntickedQuantity_data();
     void noGraphOfAnUntickedQuantity();
+    void everyInterfaceLevelHasAll();
     void graphsAreMadeAnew();
     void valuesAreTheCounters();
     void timesOfTheGraphs();
@@ -206,6 +207,15 @@ void AcquisitionGraphTest::noGraphOfAnUntickedQuantity()
     for (int camera = 0; camera < 2; ++camera)
         QTEST(graphNames(cameras, camera), "names");
     QCOMPARE(cameras.cell(0, 4), QString("4")); // the table needs no graph
+}
+
+void AcquisitionGraphTest::everyInterfaceLevelHasAll()
+{
+    MeasuringCameras cameras(1, Mode::Acquisition);
+    scripted::Gui::instance().setInterfaceLevel(0);
+    QVERIFY(cameras.measure(0, 2));
+    cameras.refresh();
+    QCOMPARE(graphNames(cameras), counterNames + QStringList("FPS"));
 }
 
 void AcquisitionGraphTest::graphsAreMadeAnew()

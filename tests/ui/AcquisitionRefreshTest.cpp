@@ -164,6 +164,8 @@ void AcquisitionRefreshTest::tickingBoxesChoosesCameras()
     QCOMPARE(titlesOf(cameras), QStringList({"Alpha (A-1)", "Beta (B-2)"}));
     cameras.rig.call("updateCameraList");
     QCOMPARE(titlesOf(cameras), QStringList({"Alpha (A-1)", "Beta (B-2)", "Gamma (C-3)"}));
+    cameras.refresh();
+    QCOMPARE(cameras.rig.plot()->graphCount(), 3); // a frame rate each
 }
 
 void AcquisitionRefreshTest::lastBoxHidesThePlot()

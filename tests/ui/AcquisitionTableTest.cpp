@@ -8,6 +8,8 @@ using rig::MeasuringCameras;
 using rig::Mode;
 using scripted::Failure;
 
+Q_DECLARE_METATYPE(rig::Mode)
+
 /// What the rows show of their cameras in acquisition mode.
 class AcquisitionTableTest : public QObject
 {
@@ -26,6 +28,7 @@ private Q_SLOTS:
     void statusAndMeasureButton();
     void measuringRowIsBuiltAnew();
     void modesTakeTurns();
+    void modeChangesWhileMeasuring_data();
     void modeChangesWhileMeasuring();
 };
 
@@ -245,18 +248,45 @@ void AcquisitionTableTest::modesTakeTurns()
     QCOMPARE(int(cameras.points(0, "API skip").size()), 2);
 }
 
+void AcquisitionTableTest::modeChangesWhileMeasuring_data()
+{
+    QTest::addColumn<Mode>("mode");
+    QTest::addColumn<bool>("stopAll");
+    for (const Mode mode : {Mode::Throughput, Mode::Acquisition}) {
+        for (const bool all : {false, true})
+            QTest::addRow("%s, %s", mode == Mode::Throughput ? "from throughput" : "from acquisition",
+                          all ? "all stopped" : "stopped")
+                << mode << all;
+    }
+}
+
+/// By settings that the host loads: what was prepared for one mode is put back
+/// in the other.
 void AcquisitionTableTest::modeChangesWhileMeasuring()
 {
-    MeasuringCameras cameras(1, Mode::Acquisition);
+    QFETCH(Mode, mode);
+    QFETCH(bool, stopAll);
+    const Mode other = mode == Mode::Throughput ? Mode::Acquisition : Mode::Throughput;
+    MeasuringCameras cameras(2, mode);
     const QStringList before = cameras.settings(0);
-    QVERIFY(cameras.measure(0, 2));
-    cameras.setMode(Mode::Throughput);
+    stopAll ? cameras.clickStartAll() : cameras.clickMeasure(0);
+    QVERIFY(cameras.deliver(0, 2));
+    cameras.setMode(other);
+    QCOMPARE(cameras.rig.table()->horizontalHeaderItem(2)->text(),
+             QString(other == Mode::Throughput ? "Measure" : "Data Format"));
+    QCOMPARE(cameras.rig.plot()->axisRectCount(), 2);
     QCOMPARE(cameras.state(0), "Testing Stop");
+    QVERIFY(!cameras.setup()->isEnabled());
+    QVERIFY(cameras.deliver(0, 2)); // it goes on as it was started
     cameras.tick();
-    cameras.clickMeasure(0);
+    cameras.refresh();
+    stopAll ? cameras.clickStartAll() : cameras.clickMeasure(0);
     QCOMPARE(cameras.state(0), "Stopped Start");
     QCOMPARE(cameras.settings(0), before);
-    QCOMPARE(cameras.sequence(), QStringList({"start Alpha", "take Alpha", "stop Alpha", "release Alpha"}));
+    QVERIFY(cameras.setup()->isEnabled());
+    QCOMPARE(cameras.sequence().filter("Alpha"),
+             QStringList({"start Alpha", "take Alpha", "stop Alpha", "release Alpha"}));
+    QVERIFY(cameras.measureAndStop(0, 2)); // and starts in the mode of the window
 }
 
 QTEST_MAIN(AcquisitionTableTest)

@@ -35,6 +35,8 @@ private Q_SLOTS:
     void otherSendersAreIgnored();
     void hostsFormatIsShown_data();
     void hostsFormatIsShown();
+    void formatsThatChaseEachOther_data();
+    void formatsThatChaseEachOther();
     void hostsFormatThatIsShownAlready();
     void hostsFormatBeyondTheList_data();
     void hostsFormatBeyondTheList();
@@ -287,6 +289,39 @@ void DataFormatTest::hostsFormatIsShown()
     QCOMPARE(writesOf(cameras), writeOf(written));
 }
 
+void DataFormatTest::formatsThatChaseEachOther_data()
+{
+    QTest::addColumn<Qt::ConnectionType>("delivery");
+    QTest::newRow("host tells at once") << Qt::DirectConnection;
+    QTest::newRow("host tells later") << Qt::QueuedConnection;
+}
+
+/// Each format's value is the other one's place: what follows the camera's change
+/// is one write, not an endless exchange.
+void DataFormatTest::formatsThatChaseEachOther()
+{
+    QFETCH(Qt::ConnectionType, delivery);
+    MeasuringCameras cameras(1, Mode::Acquisition);
+    setFormats(cameras, {{"One", 1}, {"Zero", 0}}, 1);
+    // As a host that has written the format.
+    connect(
+        boxOf(cameras), QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+        [&](int index) {
+            cameras.host.setValue(cameras[0], "imgdataformat", 1 - index);
+            cameras.host.emitImageFormatChanged(cameras[0]);
+        },
+        delivery);
+    cameras.host.setValue(cameras[0], "imgdataformat", 0);
+    cameras.host.emitImageFormatChanged(cameras[0]); // place 0 is shown already
+    QCOMPARE(writesOf(cameras), QStringList());
+    cameras.host.setValue(cameras[0], "imgdataformat", 1);
+    cameras.host.emitImageFormatChanged(cameras[0]);
+    for (int i = 0; i < 20; ++i)
+        QCoreApplication::processEvents();
+    QCOMPARE(boxOf(cameras)->currentIndex(), 1);
+    QCOMPARE(writesOf(cameras), writeOf(0));
+}
+
 void DataFormatTest::hostsFormatThatIsShownAlready()
 {
     MeasuringCameras cameras(1, Mode::Acquisition);
@@ -348,15 +383,17 @@ void DataFormatTest::hostsSignalOfOtherCameras()
     QCOMPARE(boxOf(cameras)->currentIndex(), 2);
 }
 
+/// Whatever stands in the column there.
 void DataFormatTest::hostsSignalInThroughputMode()
 {
     MeasuringCameras cameras(1);
-    const QString button = cameras.measureButton(0)->text();
-    cameras.host.setValue(cameras[0], "imgdataformat", 0);
+    auto *box = new QComboBox;
+    box->addItems({"A", "B", "C"});
+    box->setProperty("hCam", cameras.measureButton(0)->property("hCam"));
+    cameras.rig.table()->setCellWidget(0, 2, box);
     cameras.host.emitImageFormatChanged(cameras[0]);
     QVERIFY(cameras.host.calls().empty());
-    QCOMPARE(cameras.measureButton(0)->text(), button);
-    QVERIFY(!boxOf(cameras));
+    QCOMPARE(box->currentIndex(), 0);
 }
 
 QTEST_MAIN(DataFormatTest)

@@ -1,5 +1,4 @@
-#include "tests/ui/Interruption.h"
-#include "tests/ui/RowExport.h"
+#include "tests/ui/ExportScene.h"
 #include "tests/ui/SetupDialog.h"
 
 #include <QSignalSpy>
@@ -7,8 +6,8 @@
 
 using namespace rig;
 
-/// What the window makes of other events while it writes Alpha's report. Beta
-/// measures meanwhile, Gamma does nothing.
+/// What the window makes of cameras that come, go and measure while it writes a
+/// report.
 class DataReportEventsTest : public QObject
 {
     Q_OBJECT
@@ -35,85 +34,18 @@ private Q_SLOTS:
     void secondExport_data();
     void secondExport();
     void everythingAtOnce();
-    void windowGoes_data();
-    void windowGoes();
-    void windowGoesBeforeWhatWasPutOff();
-    void windowGoesInTheFileDialog();
-    void windowGoesInTheInformationBox();
 };
-
-namespace {
-
-void addMoments()
-{
-    QTest::addColumn<int>("moment");
-    QTest::newRow("before the rows") << int(Moment::Start);
-    QTest::newRow("among rows") << int(Moment::AmongRows);
-}
-
-class Scene
-{
-public:
-    /// \param moment at which something is to happen: it decides how long the
-    /// report has to take
-    explicit Scene(Moment moment = Moment::Start)
-        : m_moment(moment)
-    {
-        if (moment == Moment::Start)
-            m_isReady = cameras.measureAndStop(Alpha, 2);
-        else
-            m_isReady = report.recordLong(Alpha);
-        m_isReady = m_isReady && cameras.measure(Beta, 2);
-        cameras.showTime(-60.0, 60.0);
-        cameras.host.clearCalls();
-    }
-
-    /// Exports Alpha's records, lets the event happen and ends that.
-    /// \return false when it did not happen, or Beta's capture does not go on
-    bool exportWhile(const std::function<void()> &event)
-    {
-        bool goesOn = cameras.isMeasuring(Beta);
-        report.during(m_moment, [&] {
-            event();
-            if (goesOn && cameras.rig.form() && cameras.isMeasuring(Beta))
-                goesOn = cameras.deliver(Beta, 2);
-        });
-        report.closeAt(2);
-        report.click(Alpha, "/dev/null");
-        return m_isReady && goesOn && report.hasRun();
-    }
-
-    /// Does what was put off.
-    static void catchUp() { QCoreApplication::processEvents(); }
-
-    /// Whether the row's button still works.
-    bool exportsAgain()
-    {
-        report.closeAt(0);
-        report.click(Alpha);
-        return report.contents() == RowExport::framesHeader;
-    }
-
-    MeasuringCameras cameras;
-    RowExport report{cameras};
-
-private:
-    Moment m_moment;
-    bool m_isReady = false;
-};
-
-} // namespace
 
 void DataReportEventsTest::tick_data()
 {
-    addMoments();
+    ExportScene::addMoments();
 }
 
 /// It is not made up for: there will be another.
 void DataReportEventsTest::tick()
 {
     QFETCH(int, moment);
-    Scene scene{Moment(moment)};
+    ExportScene scene{Moment(moment)};
     const QSignalSpy replots(scene.cameras.rig.plot(), &QCustomPlot::afterReplot);
     const QString before = scene.cameras.cell(Beta, 4);
     const int drawn = replots.size();
@@ -128,13 +60,13 @@ void DataReportEventsTest::tick()
 
 void DataReportEventsTest::refresh_data()
 {
-    addMoments();
+    ExportScene::addMoments();
 }
 
 void DataReportEventsTest::refresh()
 {
     QFETCH(int, moment);
-    Scene scene{Moment(moment)};
+    ExportScene scene{Moment(moment)};
     const QSignalSpy replots(scene.cameras.rig.plot(), &QCustomPlot::afterReplot);
     QVERIFY(scene.exportWhile([&] { scene.cameras.refresh(); }));
     QCOMPARE(replots.size(), 0);
@@ -145,13 +77,13 @@ void DataReportEventsTest::refresh()
 
 void DataReportEventsTest::startOfTheExported_data()
 {
-    addMoments();
+    ExportScene::addMoments();
 }
 
 void DataReportEventsTest::startOfTheExported()
 {
     QFETCH(int, moment);
-    Scene scene{Moment(moment)};
+    ExportScene scene{Moment(moment)};
     MeasuringCameras &cameras = scene.cameras;
     QVERIFY(scene.exportWhile([&] { cameras.clickMeasure(Alpha); }));
     QVERIFY(!cameras.isMeasuring(Alpha));
@@ -167,7 +99,7 @@ void DataReportEventsTest::startOfTheExported()
 
 void DataReportEventsTest::startOfAnother()
 {
-    Scene scene;
+    ExportScene scene;
     MeasuringCameras &cameras = scene.cameras;
     QVERIFY(scene.exportWhile([&] {
         cameras.clickMeasure(Gamma);
@@ -184,7 +116,7 @@ void DataReportEventsTest::startOfAnother()
 
 void DataReportEventsTest::stopOfAnother()
 {
-    Scene scene;
+    ExportScene scene;
     MeasuringCameras &cameras = scene.cameras;
     QVERIFY(scene.exportWhile([&] { cameras.clickMeasure(Beta); }));
     QVERIFY(cameras.isMeasuring(Beta));
@@ -197,7 +129,7 @@ void DataReportEventsTest::stopOfAnother()
 
 void DataReportEventsTest::startAll()
 {
-    Scene scene;
+    ExportScene scene;
     MeasuringCameras &cameras = scene.cameras;
     QVERIFY(scene.exportWhile([&] { cameras.clickStartAll(); }));
     QCOMPARE(cameras.sequence(), QStringList());
@@ -210,7 +142,7 @@ void DataReportEventsTest::startAll()
 
 void DataReportEventsTest::setup()
 {
-    Scene scene;
+    ExportScene scene;
     scene.cameras.clickMeasure(Beta); // no setup during a measurement
     scene.report.during(Moment::Start, [&] { scene.cameras.setup()->click(); });
     scene.report.click(Alpha);
@@ -229,13 +161,13 @@ void DataReportEventsTest::setup()
 
 void DataReportEventsTest::cameraOpens_data()
 {
-    addMoments();
+    ExportScene::addMoments();
 }
 
 void DataReportEventsTest::cameraOpens()
 {
     QFETCH(int, moment);
-    Scene scene{Moment(moment)};
+    ExportScene scene{Moment(moment)};
     int rows = 0;
     ZUCORE_HANDLE opened = nullptr;
     QVERIFY(scene.exportWhile([&] {
@@ -253,14 +185,14 @@ void DataReportEventsTest::cameraOpens()
 
 void DataReportEventsTest::anotherCloses_data()
 {
-    addMoments();
+    ExportScene::addMoments();
 }
 
 /// At once, while it can still be reached.
 void DataReportEventsTest::anotherCloses()
 {
     QFETCH(int, moment);
-    Scene scene{Moment(moment)};
+    ExportScene scene{Moment(moment)};
     MeasuringCameras &cameras = scene.cameras;
     int rows = 0;
     QVERIFY(scene.exportWhile([&] {
@@ -278,13 +210,13 @@ void DataReportEventsTest::anotherCloses()
 
 void DataReportEventsTest::exportedCloses_data()
 {
-    addMoments();
+    ExportScene::addMoments();
 }
 
 void DataReportEventsTest::exportedCloses()
 {
     QFETCH(int, moment);
-    Scene scene{Moment(moment)};
+    ExportScene scene{Moment(moment)};
     MeasuringCameras &cameras = scene.cameras;
     int rows = 0;
     QVERIFY(scene.exportWhile([&] {
@@ -310,7 +242,7 @@ void DataReportEventsTest::hostAcquires_data()
 void DataReportEventsTest::hostAcquires()
 {
     QFETCH(int, camera);
-    Scene scene;
+    ExportScene scene;
     MeasuringCameras &cameras = scene.cameras;
     QString status;
     bool enabled = true;
@@ -337,7 +269,7 @@ void DataReportEventsTest::secondExport_data()
 void DataReportEventsTest::secondExport()
 {
     QFETCH(int, camera);
-    Scene scene;
+    ExportScene scene;
     QVERIFY(scene.cameras.measureAndStop(Gamma, 1));
     scene.cameras.showTime(-60.0, 60.0);
     QVERIFY(scene.exportWhile([&] { scene.cameras.exportButton(camera)->click(); }));
@@ -352,7 +284,7 @@ void DataReportEventsTest::secondExport()
 /// All that was put off is done in its order, as far as it still makes sense.
 void DataReportEventsTest::everythingAtOnce()
 {
-    Scene scene;
+    ExportScene scene;
     MeasuringCameras &cameras = scene.cameras;
     ZUCORE_HANDLE opened = nullptr;
     QVERIFY(scene.exportWhile([&] {
@@ -373,75 +305,6 @@ void DataReportEventsTest::everythingAtOnce()
     QCOMPARE(cameras.state(Alpha), QString("Testing Stop"));
     QCOMPARE(cameras.state(Beta), QString("Stopped Start"));
     QVERIFY(cameras.boxes.modal.isEmpty());
-}
-
-void DataReportEventsTest::windowGoes_data()
-{
-    addMoments();
-}
-
-void DataReportEventsTest::windowGoes()
-{
-    QFETCH(int, moment);
-    Scene scene{Moment(moment)};
-    MeasuringCameras &cameras = scene.cameras;
-    QPointer<QProgressDialog> dialog;
-    QVERIFY(scene.exportWhile([&] {
-        dialog = RowExport::progress();
-        cameras.refresh(); // to be dropped
-        cameras.clickMeasure(Alpha);
-        cameras.rig.destroyForm();
-    }));
-    QVERIFY(!dialog);
-    QVERIFY(!cameras.isMeasuring(Beta));
-    QCOMPARE(cameras.sequence(), QStringList({"stop Beta", "release Beta"}));
-    scene.catchUp();
-    QCOMPARE(cameras.sequence().size(), 2);
-
-    // The next window exports as if nothing had been.
-    cameras.rig.createForm();
-    cameras.showTime(-60.0, 60.0);
-    QVERIFY(cameras.measureAndStop(Alpha, 2));
-    QVERIFY(scene.exportsAgain());
-}
-
-void DataReportEventsTest::windowGoesBeforeWhatWasPutOff()
-{
-    Scene scene;
-    QVERIFY(scene.exportWhile([&] { scene.cameras.clickMeasure(Alpha); }));
-    scene.cameras.rig.destroyForm();
-    scene.catchUp();
-    QVERIFY(!scene.cameras.isMeasuring(Alpha));
-}
-
-void DataReportEventsTest::windowGoesInTheFileDialog()
-{
-    Scene scene;
-    QPointer<QFileDialog> dialog;
-    scene.report.onFileDialog = [&](QFileDialog &opened) {
-        dialog = &opened;
-        scene.cameras.rig.destroyForm();
-    };
-    scene.report.click(Alpha);
-    QCOMPARE(scene.report.fileDialogs, 1);
-    QVERIFY(!dialog);
-    QVERIFY(!QFile::exists(scene.report.path()));
-    QVERIFY(!scene.cameras.isMeasuring(Beta));
-}
-
-void DataReportEventsTest::windowGoesInTheInformationBox()
-{
-    Scene scene;
-    QPointer<QWidget> box;
-    scene.cameras.boxes.onModal = [&] {
-        box = QApplication::activeModalWidget();
-        scene.cameras.rig.destroyForm();
-    };
-    scene.report.click(Gamma);
-    QCOMPARE(scene.cameras.boxes.modal.size(), 1);
-    QVERIFY(!box);
-    QVERIFY(!scene.cameras.rig.form());
-    QCOMPARE(scene.report.fileDialogs, 0);
 }
 
 QTEST_MAIN(DataReportEventsTest)

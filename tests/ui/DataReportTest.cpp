@@ -60,8 +60,14 @@ void DataReportTest::nothingMeasured()
 {
     MeasuringCameras cameras(2);
     RowExport report(cameras);
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    cameras.boxes.onModal = [&icon] {
+        if (const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget()))
+            icon = box->icon();
+    };
     report.click(1);
     QCOMPARE(cameras.boxes.modal.size(), 1);
+    QCOMPARE(icon, QMessageBox::Information);
     const rig::ShownBox &box = cameras.boxes.modal.first();
     QCOMPARE(box.title, QString("Export Measured Data"));
     QCOMPARE(box.text, QString("No measured data to export."));

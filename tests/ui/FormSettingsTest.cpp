@@ -21,6 +21,7 @@ private Q_SLOTS:
     void cleanup();
     void fileOfAFreshWindow();
     void storedTypes();
+    void roundTrip_data();
     void roundTrip();
     void emptyStoreKeepsAllButTwo();
     void liveGraph_data();
@@ -108,12 +109,25 @@ void FormSettingsTest::storedTypes()
     QCOMPARE(saved["DTGTResetBufferLevel"].userType(), int(QMetaType::Bool));
 }
 
+void FormSettingsTest::roundTrip_data()
+{
+    QTest::addColumn<QByteArray>("mode");
+    QTest::addColumn<int>("measureColumn");
+    QTest::newRow("throughput") << QByteArray("0") << 2;
+    QTest::newRow("acquisition") << QByteArray("1") << 3;
+}
+
 void FormSettingsTest::roundTrip()
 {
+    QFETCH(QByteArray, mode);
+    QFETCH(int, measureColumn);
+    rig::openCamera("Model", "1");
     const QByteArray lines = "DTGTExportType=2\n"
                              "DTGTLiveGraph=0\n"
                              "DTGTMaxSamples=9000000000000\n"
-                             "DTGTMeasMode=0\n"
+                             "DTGTMeasMode=" +
+                             mode +
+                             "\n"
                              "DTGTResetBufferLevel=false\n"
                              "DTGTSamplePeriod=51200\n"
                              "DTGTTimestampOrigin=1\n";
@@ -122,6 +136,7 @@ void FormSettingsTest::roundTrip()
     QCOMPARE(int(m_rig->find<CxExportToolButton>("btnExport")->exportType()), 2);
     const QString saved = savedFile();
     QCOMPARE(saved, "[DataThroughputGraphPlugin]\n" + lines);
+    QVERIFY(m_rig->cellWidget<QPushButton>(0, measureColumn));
 
     m_rig.reset();
     m_rig = std::make_unique<PluginRig>();

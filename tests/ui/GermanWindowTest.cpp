@@ -2,6 +2,7 @@
 // that knows nothing of it.
 
 #include "tests/ui/MeasuringCameras.h"
+#include "tests/ui/SetupDialog.h"
 
 #include <QLabel>
 #include <QLocale>
@@ -24,6 +25,9 @@ private Q_SLOTS:
     void headersKeepTheirUnits();
     void plotNames();
     void acquisitionMode();
+    void curvesOfAcquisitionMode();
+    void setupDialog();
+    void nothingToExport();
     void startFailure();
     void numbersStayPlain();
 };
@@ -141,6 +145,48 @@ void GermanWindowTest::acquisitionMode()
     const auto *plots = cameras.rig.find<QTableWidget>("tablePlotCheck");
     QCOMPARE(plots->item(0, 1)->text(), QString("Transportverluste"));
     QCOMPARE(plots->item(5, 1)->text(), QString("Frames/s"));
+}
+
+/// Curves, boxes and axis find each other by names that no language changes.
+void GermanWindowTest::curvesOfAcquisitionMode()
+{
+    MeasuringCameras cameras(1, rig::Mode::Acquisition);
+    cameras.setCounters(0, {rig::CountedFrames::all(10)});
+    cameras.showTime(0.0, 2.0);
+    QVERIFY(cameras.measure(0, 3));
+    cameras.tick();
+    QCOMPARE(cameras.rig.plot()->graphCount(), 6);
+    const QCPAxis *axis = cameras.rig.axisRect(cameras[0])->axis(QCPAxis::atLeft);
+    QCOMPARE(axis->label(), QString("Zählerstand"));
+    QCOMPARE(axis->range(), QCPRange(8.0, 12.0));
+    cameras.quantityBox(5)->click();
+    cameras.tick();
+    QCOMPARE(cameras.rig.plot()->graphCount(), 5);
+}
+
+/// Its choices count by their places.
+void GermanWindowTest::setupDialog()
+{
+    MeasuringCameras cameras(1);
+    QVERIFY(rig::withSetup(cameras.rig, [](const rig::SetupDialog &setup) {
+        QCOMPARE(setup->windowTitle(), QString("Datendurchsatz-Test einrichten"));
+        QCOMPARE(setup.find<QLabel>("label_sampleDescription")->text(),
+                 QString("Millionen Abtastwerte pro Kamera"));
+        setup.mode()->setCurrentText("Normale Sensoraufnahme");
+        setup.clickOk();
+    }));
+    QCOMPARE(cameras.rig.savedSettings()["DTGTMeasMode"].toInt(), 1);
+    QCOMPARE(cameras.rig.table()->horizontalHeaderItem(2)->text(), QString("Datenformat"));
+}
+
+void GermanWindowTest::nothingToExport()
+{
+    MeasuringCameras cameras(1);
+    QCOMPARE(cameras.exportButton(0)->text(), QString("Daten exportieren..."));
+    cameras.exportButton(0)->click();
+    QCOMPARE(cameras.boxes.modal.size(), 1);
+    QCOMPARE(cameras.boxes.modal.first().title, QString("Messdaten exportieren"));
+    QCOMPARE(cameras.boxes.modal.first().text, QString("Keine Messdaten zum Exportieren vorhanden."));
 }
 
 void GermanWindowTest::startFailure()

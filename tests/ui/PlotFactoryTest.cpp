@@ -245,7 +245,9 @@ void PlotFactoryTest::unknownModes()
     setMode(5);
     table()->setRowCount(1);
     m_log->clear();
+    const QSignalSpy replots(plot(), &QCustomPlot::afterReplot);
     QVERIFY(QMetaObject::invokeMethod(m_form.get(), slot.constData()));
+    QCOMPARE(replots.size(), 0);
     QCOMPARE(m_log->messages(),
              QStringList(QString("CxDataGraphForm::%1(): Unknown measurement mode is selected")
                              .arg(QString::fromLatin1(slot))));

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDialogButtonBox>
+#include <QListView>
 #include <QSettings>
 
 #include <utility>
@@ -108,6 +109,8 @@ void RowExport::answer(QFileDialog *dialog)
         return;
     }
     dialog->setOption(QFileDialog::DontConfirmOverwrite, replaces);
+    // A file that is selected would go before what is typed.
+    dialog->findChild<QListView *>("listView")->clearSelection();
     dialog->findChild<QLineEdit *>("fileNameEdit")->setText(m_name);
     dialog->findChild<QDialogButtonBox *>("buttonBox")->button(QDialogButtonBox::Save)->click();
     if (guard && guard->isVisible()) // it was not to its liking

@@ -46,8 +46,6 @@ private:
 
 namespace {
 
-const QString noPlace = "none";
-
 /// "LAYOUT ROW,COLUMN ROWSxCOLUMNS" in a grid, "LAYOUT INDEX" in a box.
 QString placeIn(const QLayout *layout, int index)
 {
@@ -74,7 +72,7 @@ QString placeOf(const QDialog *dialog, QWidget *widget)
         if (index >= 0)
             return placeIn(layout, index);
     }
-    return noPlace;
+    return "none";
 }
 
 /// Names of the children that the form's description makes.
@@ -86,6 +84,16 @@ QStringList namedChildren(const QObject *object)
             names.append(child->objectName());
     }
     return names;
+}
+
+void compareEnabled(const SetupDialog &setup, bool throughputOnly)
+{
+    for (const char *name : {"spinSamplePeriod", "label_samplePeriod", "label_bytes", "chkResetBuffeLevel"})
+        QVERIFY2(setup.find<QWidget>(name)->isEnabled() == throughputOnly, name);
+    for (const char *name : {"label_mode", "measureMode", "label_capacity", "spinCapacity",
+                             "label_sampleDescription", "label_refreshPeriod", "graphRefreshPeriod",
+                             "label_refreshDescription", "label", "cbTimeStampOrigin", "buttonBox"})
+        QVERIFY2(setup.find<QWidget>(name)->isEnabled(), name);
 }
 
 } // namespace
@@ -360,20 +368,6 @@ void SetupDialogTest::modes_data()
     QTest::newRow("acquisition") << 1 << false;
     QTest::newRow("unknown") << 7 << false;
 }
-
-namespace {
-
-void compareEnabled(const SetupDialog &setup, bool throughputOnly)
-{
-    for (const char *name : {"spinSamplePeriod", "label_samplePeriod", "label_bytes", "chkResetBuffeLevel"})
-        QVERIFY2(setup.find<QWidget>(name)->isEnabled() == throughputOnly, name);
-    for (const char *name : {"label_mode", "measureMode", "label_capacity", "spinCapacity",
-                             "label_sampleDescription", "label_refreshPeriod", "graphRefreshPeriod",
-                             "label_refreshDescription", "label", "cbTimeStampOrigin", "buttonBox"})
-        QVERIFY2(setup.find<QWidget>(name)->isEnabled(), name);
-}
-
-} // namespace
 
 void SetupDialogTest::modes()
 {

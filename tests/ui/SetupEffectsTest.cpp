@@ -1,6 +1,5 @@
 #include "tests/ui/MeasuringCameras.h"
-#include "tests/ui/SetupDialog.h"
-
+#include "tests/ui/SetupChange.h"
 #include "tests/ui/StartReport.h"
 
 #include <QTest>
@@ -8,9 +7,9 @@
 using rig::MeasuringCameras;
 using rig::SetupDialog;
 using rig::withSetup;
+using namespace rig::change;
 
-/// What becomes of the cameras after the setup dialog, and what may happen while
-/// it is open.
+/// What becomes of the cameras after the setup dialog.
 class SetupEffectsTest : public QObject
 {
     Q_OBJECT
@@ -26,13 +25,8 @@ private Q_SLOTS:
     void refreshesColumnNamesOnly_data();
     void refreshesColumnNamesOnly();
     void periodOfTheNextMeasurement();
+    void capacityOfTheNextMeasurement();
     void originOfTheNextRefresh();
-    void cameraClosesMeanwhile();
-    void cameraOpensMeanwhile();
-    void measurementStartsMeanwhile_data();
-    void measurementStartsMeanwhile();
-    void windowGoesMeanwhile_data();
-    void windowGoesMeanwhile();
 };
 
 namespace {
@@ -40,27 +34,6 @@ namespace {
 constexpr int throughput = 0;
 constexpr int acquisition = 1;
 constexpr int periodOfTheDialog = 4096; ///< the least; the measured frames have such stamps, too
-
-/// What the user changes.
-enum Change { Nothing, Period, Mode, Both, Capacity, Origin, Reset, Refresh, ChangeCount };
-const char *const changeNames[ChangeCount] = {"nothing",  "sample period",    "mode",      "both",
-                                              "capacity", "timestamp origin", "reset box", "refresh period"};
-
-void enter(const SetupDialog &setup, int change)
-{
-    if (change == Period || change == Both)
-        setup.samplePeriod()->setValue(5120);
-    if (change == Mode || change == Both)
-        setup.mode()->setCurrentIndex(1 - setup.mode()->currentIndex());
-    if (change == Capacity)
-        setup.capacity()->setValue(1);
-    if (change == Origin)
-        setup.origin()->setCurrentIndex(1 - setup.origin()->currentIndex());
-    if (change == Reset)
-        setup.reset()->toggle();
-    if (change == Refresh)
-        setup.refreshPeriod()->setValue(30);
-}
 
 bool changeAndAccept(const MeasuringCameras &cameras, int change)
 {
@@ -273,11 +246,29 @@ void SetupEffectsTest::refreshesColumnNamesOnly()
     QVERIFY(cameras.host.calls().empty());
 }
 
+/// A start passes the window's settings, whatever the engine holds since it was
+/// made.
 void SetupEffectsTest::periodOfTheNextMeasurement()
 {
     MeasuringCameras cameras(1);
     QVERIFY(changeAndAccept(cameras, Period));
     QCOMPARE(rig::measure(cameras.rig, cameras[0]).sampleInterval, "5120");
+}
+
+/// Room for the last frames, the fast ones, or for the slow ones before as well.
+void SetupEffectsTest::capacityOfTheNextMeasurement()
+{
+    MeasuringCameras cameras(1);
+    rig::PacedFrames frames;
+    frames.ticks = {1000, 1000, 500};
+    cameras.rig.loadSettings({{"DTGTSamplePeriod", periodOfTheDialog}, {"DTGTMaxSamples", 2}});
+    const auto minimum = [&] {
+        cameras.setFrames(0, frames);
+        return cameras.measureAndStop(0, 4) ? cameras.cell(0, 4) : QString();
+    };
+    QCOMPARE(minimum(), "512");
+    QVERIFY(changeAndAccept(cameras, Capacity));
+    QCOMPARE(minimum(), "256");
 }
 
 void SetupEffectsTest::originOfTheNextRefresh()
@@ -292,109 +283,6 @@ void SetupEffectsTest::originOfTheNextRefresh()
     QCOMPARE(drawnCameras(cameras), "no");
     QVERIFY(changeAndAccept(cameras, Origin));
     QCOMPARE(drawnCameras(cameras), "yes");
-}
-
-void SetupEffectsTest::cameraClosesMeanwhile()
-{
-    MeasuringCameras cameras(2);
-    QVERIFY(withSetup(cameras.rig, [&](const SetupDialog &setup) {
-        enter(setup, Both);
-        cameras.host.closeCamera(cameras[0]);
-        setup.clickOk();
-    }));
-    QCOMPARE(cameras.row(0), -1);
-    QCOMPARE(cameras.row(1), 0);
-    QCOMPARE(header(cameras, 2), "Data Format");
-}
-
-void SetupEffectsTest::cameraOpensMeanwhile()
-{
-    MeasuringCameras cameras(1);
-    ZUCORE_HANDLE another = nullptr;
-    QVERIFY(withSetup(cameras.rig, [&](const SetupDialog &setup) {
-        enter(setup, Both);
-        another = rig::openCamera("Another", "9");
-        setup.clickOk();
-    }));
-    QCOMPARE(cameras.rig.row(another), 1);
-    QCOMPARE(header(cameras, 2), "Data Format");
-    QVERIFY(cameras.rig.axisRect(another));
-}
-
-void SetupEffectsTest::measurementStartsMeanwhile_data()
-{
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<int>("change");
-    for (int mode : {throughput, acquisition}) {
-        for (int change : {Nothing, Period, Mode, Both})
-            QTest::addRow("mode %d %s", mode, changeNames[change]) << mode << change;
-    }
-}
-
-/// Not by a click, as the dialog is modal.
-void SetupEffectsTest::measurementStartsMeanwhile()
-{
-    QFETCH(int, mode);
-    QFETCH(int, change);
-    MeasuringCameras cameras(1);
-    cameras.rig.loadSettings({{"DTGTSamplePeriod", periodOfTheDialog}});
-    loadMode(cameras, mode);
-    const QStringList settings = cameras.settings(0);
-    QVERIFY(withSetup(cameras.rig, [&](const SetupDialog &setup) {
-        measureButton(cameras, 0, mode)->click();
-        QVERIFY(cameras.deliver(0, 3));
-        cameras.host.deliver(cameras[0], 200); // comes in while the records are cleared
-        enter(setup, change);
-        setup.clickOk();
-    }));
-    QVERIFY(cameras.isMeasuring(0));
-    QVERIFY(cameras.deliver(0, 3));
-    cameras.tick();
-    const int modeNow = change == Mode || change == Both ? 1 - mode : mode;
-    QPushButton *button = measureButton(cameras, 0, modeNow);
-    QCOMPARE(button->text(), "Stop");
-    button->click();
-    QVERIFY(!cameras.isMeasuring(0));
-    QCOMPARE(cameras.settings(0), settings);
-    QVERIFY(cameras.setup()->isEnabled());
-    cameras.refresh();
-}
-
-void SetupEffectsTest::windowGoesMeanwhile_data()
-{
-    QTest::addColumn<bool>("docked");
-    QTest::addColumn<bool>("accepted");
-    QTest::newRow("alone") << false << false;
-    QTest::newRow("alone, then OK") << false << true;
-    QTest::newRow("with its dock") << true << false;
-}
-
-void SetupEffectsTest::windowGoesMeanwhile()
-{
-    QFETCH(bool, docked);
-    QFETCH(bool, accepted);
-    MeasuringCameras cameras(1);
-    QPointer<QWidget> dock(docked ? new QWidget : nullptr);
-    cameras.rig.form()->setParent(dock);
-    cameras.rig.form()->show();
-    if (dock)
-        dock->show();
-    QPointer<QDialog> dialog;
-    QVERIFY(withSetup(cameras.rig, [&](const SetupDialog &setup) {
-        dialog = setup.dialog();
-        enter(setup, Both);
-        if (docked)
-            delete dock.data();
-        else
-            cameras.rig.destroyForm();
-        QCOMPARE(dialog.isNull(), docked);
-        if (dialog)
-            QVERIFY(!dialog->isVisible());
-        if (accepted)
-            dialog->accept();
-    }));
-    QVERIFY(!dialog);
-    QVERIFY(!cameras.rig.form());
 }
 
 QTEST_MAIN(SetupEffectsTest)

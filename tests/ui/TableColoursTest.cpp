@@ -47,6 +47,7 @@ void useGround(const QColor &ground)
 QImage cellOf(QTableWidget *table, int row, int column)
 {
     const QTableWidgetItem *item = table->item(row, column);
+    QCoreApplication::processEvents(); // columns take their new widths
     table->scrollToItem(item);
     return table->viewport()->grab(table->visualItemRect(item)).toImage();
 }

@@ -11,6 +11,7 @@
 #include <QTest>
 
 #include <numeric>
+#include <thread>
 
 class DataExportTest : public QObject
 {
@@ -147,8 +148,12 @@ void DataExportTest::dialogLook()
         QCOMPARE(buttons.first()->text(), QString("Cancel"));
         QVERIFY(buttons.first()->isHidden());
         QVERIFY(CxExportGate::isClosed());
-        QVERIFY(m_rig->line.isExporting());
         QVERIFY(!ExportRig::isFree(m_rig->line.mutex));
+        // Only here: the camera's thread has to wait for the mutex.
+        QVERIFY(m_rig->line.isExporting());
+        bool elsewhere = true;
+        std::thread([&] { elsewhere = m_rig->line.isExporting(); }).join();
+        QVERIFY(!elsewhere);
     });
     QVERIFY(m_rig->exportAll());
     QVERIFY(looked);
