@@ -131,9 +131,8 @@ public:
     /// \param interval bytes between two samples of a frame
     /// \param capacity samples to keep (records in acquisition mode)
     /// \return false when there is no camera, it measures already or the records
-    /// are being exported; false with
-    /// the camera restored and the reason in the log when it cannot be prepared
-    /// or does not stream
+    /// are being exported; false with the camera restored and the reason in the
+    /// log when it cannot be prepared or does not stream
     bool startMeasurement(unsigned int interval, long long capacity);
 
     /// Ends the thread (waits for its current capture, at most about 5 s),

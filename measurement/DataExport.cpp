@@ -3,7 +3,7 @@
 #include "measurement/ExportGate.h"
 #include "measurement/Log.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QMutexLocker>
 #include <QPointer>
@@ -52,10 +52,11 @@ public:
 
     void show()
     {
+        const bool programIsActive = QApplication::activeWindow() != nullptr;
         m_dialog->show();
         // Showing makes room for the hidden button.
         m_dialog->resize(std::max(dialogSize.width(), m_dialog->sizeHint().width()), dialogSize.height());
-        QCoreApplication::processEvents(QEventLoop::AllEvents, showTime);
+        processFirstEvents(programIsActive);
         m_sinceEvents.start();
     }
 
@@ -73,6 +74,23 @@ public:
     }
 
 private:
+    /// \param awaitActivation a modal dialog that goes before the window manager
+    /// has made it active takes the activation along: no window of the program
+    /// would have the keys. Where none has them anyway there is nothing to wait for.
+    void processFirstEvents(bool awaitActivation)
+    {
+        QElapsedTimer shown;
+        shown.start();
+        for (;;) {
+            const auto left = static_cast<int>(std::max<qint64>(1, showTime - shown.elapsed()));
+            QCoreApplication::processEvents(QEventLoop::AllEvents, left);
+            if (!awaitActivation || m_ended || !m_dialog || m_dialog->wasCanceled() ||
+                m_dialog->isActiveWindow() || shown.hasExpired(showTime))
+                return;
+            QThread::msleep(1);
+        }
+    }
+
     const bool &m_ended;
     QPointer<QProgressDialog> m_dialog; ///< goes early with its parent
     int m_value = 0;
@@ -129,7 +147,7 @@ bool CxCameraLineData::exportDataToFile(const QString &fileName, QWidget *parent
                                         long long to, ExTimestampOrigin origin, bool resetBufferLevel)
 {
     const CxExportGate::Closer gate;
-    if (!gate.isOnly()) {
+    if (!gate.isFirst()) {
         logFailure(QStringLiteral("Another export is running"));
         return false;
     }

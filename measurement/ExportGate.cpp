@@ -28,6 +28,42 @@ Gate &gate()
     return instance;
 }
 
+void catchUpLater();
+
+/// Ends well also where the work throws, which a host may survive.
+class CatchingUp
+{
+public:
+    CatchingUp() { gate().catchingUp = true; }
+    ~CatchingUp()
+    {
+        gate().catchingUp = false;
+        catchUpLater();
+    }
+    CatchingUp(const CatchingUp &) = delete;
+    CatchingUp &operator=(const CatchingUp &) = delete;
+};
+
+void catchUp()
+{
+    // A next export does the rest when it ends.
+    if (gate().catchingUp || gate().exporting)
+        return;
+    const CatchingUp catchingUp;
+    while (!gate().exporting && !gate().postponed.empty()) {
+        const Postponed next = std::move(gate().postponed.front());
+        gate().postponed.pop_front();
+        if (next.context)
+            next.work();
+    }
+}
+
+void catchUpLater()
+{
+    if (!gate().exporting && !gate().postponed.empty())
+        QTimer::singleShot(0, QCoreApplication::instance(), &catchUp);
+}
+
 } // namespace
 
 bool CxExportGate::isClosed()
@@ -43,32 +79,17 @@ bool CxExportGate::putOff(QObject *context, std::function<void()> work)
     return true;
 }
 
-void CxExportGate::catchUp()
-{
-    if (gate().catchingUp)
-        return;
-    gate().catchingUp = true;
-    while (!gate().exporting && !gate().postponed.empty()) {
-        const Postponed next = std::move(gate().postponed.front());
-        gate().postponed.pop_front();
-        if (next.context)
-            next.work();
-    }
-    gate().catchingUp = false;
-}
-
 CxExportGate::Closer::Closer()
-    : m_only(!gate().exporting)
+    : m_first(!gate().exporting)
 {
     gate().exporting = true;
 }
 
 CxExportGate::Closer::~Closer()
 {
-    if (!m_only)
+    if (!m_first)
         return;
     gate().exporting = false;
     // Later: the caller of the export still uses what the work may delete.
-    if (!gate().postponed.empty())
-        QTimer::singleShot(0, QCoreApplication::instance(), &CxExportGate::catchUp);
+    catchUpLater();
 }

@@ -46,13 +46,10 @@ public:
         Closer(const Closer &) = delete;
         Closer &operator=(const Closer &) = delete;
 
-        /// Whether the gate was open for it: exports do not nest.
-        bool isOnly() const { return m_only; }
+        /// Whether it was this one that closed the gate: exports do not nest.
+        bool isFirst() const { return m_first; }
 
     private:
-        const bool m_only;
+        const bool m_first;
     };
-
-private:
-    static void catchUp();
 };

@@ -47,14 +47,14 @@ QCPGraph *graphOf(ZU_COUNTER_SELECTOR selector, const CounterGraphs &graphs)
 }
 
 /// \param rect may be null
-/// \param caller for the log
+/// \param method that wants it, for the log
 QCPGraph *addGraph(QCPAxisRect *rect, QCPAxis::AxisType side, const QString &name, const QColor &colour,
-                   const char *caller)
+                   const char *method, CxLogPlace caller = CxLogPlace::current())
 {
     QCPGraph *graph =
         rect ? rect->parentPlot()->addGraph(rect->axis(QCPAxis::atBottom), rect->axis(side)) : nullptr;
     if (!graph) {
-        cxLogFailure(caller, "Failed to allocate plot");
+        cxLogFailure(method, "Failed to allocate plot", caller);
         return nullptr;
     }
     graph->setPen(plotstyle::linePen(colour));

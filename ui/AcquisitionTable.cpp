@@ -59,7 +59,7 @@ void addRow(QTableWidget *table, int row, CxDataGraphForm *form, CxCameraLineDat
     table->setCellWidget(row, acquisitionColumn::Measure, tableRows::makeMeasureButton(form, line));
     for (int column = acquisitionColumn::Transferred; column < acquisitionColumn::ExportData; ++column)
         table->setItem(row, column, makeCounterItem());
-    // Counters can be exported while the camera measures, other than samples.
+    // Counters can be exported while the camera measures, unlike samples.
     table->setCellWidget(row, acquisitionColumn::ExportData, tableRows::makeExportButton(form, line));
     table->setCellWidget(row, acquisitionColumn::Graph, tableRows::makePlotCell(form, line));
 }

@@ -4,15 +4,13 @@
 #include "measurement/Log.h"
 #include "ui/CameraSettings.h"
 #include "ui/CellWidgets.h"
+#include "ui/PlotStyle.h"
 #include "ui_DataGraphForm.h"
 #include "zuCore/CxCameraManager.h"
 #include "zuCore/CxCameraParameters.h"
 #include "zuCoreGui/IxAppDelegate.h"
 
 namespace {
-
-/// A camera's plot area: its title and its axes.
-constexpr unsigned int layoutRowsPerCamera = 2;
 
 int rowOfCamera(const QTableWidget *table, void *camera)
 {
@@ -92,15 +90,8 @@ void CxDataGraphForm::updateCameraListRow(ZUCORE_HANDLE hCam)
     CxCameraLineData *line = m_cameraLines.value(hCam);
     if (!line)
         return;
-    int measureColumn = 0;
-    switch (m_measureMode) {
-    case MeasureModeThroughput:
-        measureColumn = throughputColumn::Measure;
-        break;
-    case MeasureModeAcquisition:
-        measureColumn = acquisitionColumn::Measure;
-        break;
-    default:
+    const int measureColumn = measureCellColumn();
+    if (measureColumn < 0) {
         cxLogFailure("CxDataGraphForm::updateCameraListRow", "Unknown measurement mode is selected");
         return;
     }
@@ -122,11 +113,23 @@ void CxDataGraphForm::updateCameraListRow(ZUCORE_HANDLE hCam)
         updateCounterCells(hCam, row);
 }
 
+int CxDataGraphForm::measureCellColumn() const
+{
+    switch (m_measureMode) {
+    case MeasureModeThroughput:
+        return throughputColumn::Measure;
+    case MeasureModeAcquisition:
+        return acquisitionColumn::Measure;
+    default:
+        return -1;
+    }
+}
+
 void CxDataGraphForm::removeCameraListRow(ZUCORE_HANDLE hCam)
 {
     CxCameraLineData *line = m_cameraLines.value(hCam);
-    // Only the exported camera has to wait: others are put back into their former
-    // state as long as they can be reached.
+    // Only the exported camera has to wait: others can still be put back into
+    // their former state, which the host no longer allows afterwards.
     if (line && line->isExporting() &&
         CxExportGate::putOff(this, [this, hCam] { removeCameraListRow(hCam); }))
         return;
@@ -160,7 +163,7 @@ void CxDataGraphForm::addCameraRows(const std::function<void(int, CxCameraLineDa
         updateCameraListRow(camera);
         line->plotEnabled = true;
         addCameraPlot(camera, layoutRow, line->cameraName);
-        layoutRow += layoutRowsPerCamera;
+        layoutRow += plotstyle::rowsPerArea;
         ++row;
     }
     // Cameras without a parameter set have no row.

@@ -62,14 +62,15 @@ CxDataGraphForm::CxDataGraphForm(QWidget *parent)
 
 CxDataGraphForm::~CxDataGraphForm()
 {
-    const QList<CxCameraLineData *> lines = m_cameraLines.values();
-    for (CxCameraLineData *line : lines) {
-        void *camera = line->cameraHandle;
-        const bool measured = line->isMeasurementRunning();
-        CxCameraLineData::discard(line);
-        if (measured)
-            IxAppDelegate::instance()->setCameraControlEnabled(camera, true);
-    }
+    // Empty before the host hears of a released camera: what it does then may
+    // come back as a signal.
+    const QMap<void *, CxCameraLineData *> lines = m_cameraLines;
     m_cameraLines.clear();
+    for (auto line = lines.cbegin(); line != lines.cend(); ++line) {
+        const bool measured = line.value()->isMeasurementRunning();
+        CxCameraLineData::discard(line.value());
+        if (measured)
+            IxAppDelegate::instance()->setCameraControlEnabled(line.key(), true);
+    }
     delete ui;
 }

@@ -148,6 +148,8 @@ private:
     bool startCameras(const QList<ZUCORE_HANDLE> &cameras);
     void rollBackStart(const QList<ZUCORE_HANDLE> &cameras);
 
+    /// Column of a row's Measure button; -1 in an unknown mode.
+    int measureCellColumn() const;
     /// Column of a row's plot check box; -1 in an unknown mode.
     int plotCellColumn() const;
     /// Adds a plot area of the present mode.

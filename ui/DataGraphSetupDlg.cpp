@@ -66,6 +66,8 @@ void CxDataGraphSetupDlg::showSettings()
 void CxDataGraphSetupDlg::accept()
 {
     if (m_form) {
+        m_modeBefore = m_form->m_measureMode;
+        m_periodBefore = m_form->m_samplePeriod;
         m_form->m_samplePeriod = ui->spinSamplePeriod->value();
         m_form->m_maxSamples = ui->spinCapacity->value() * samplesPerUnit;
         takeIndex(ui->measureMode, m_form->m_measureMode);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "measurement/CameraLineData.h"
+
 #include <QDialog>
 #include <QPointer>
 
@@ -24,6 +26,10 @@ public:
     CxDataGraphSetupDlg(CxDataGraphForm *form, QWidget *parent);
     ~CxDataGraphSetupDlg() override;
 
+    // After OK: what it replaced.
+    MeasureMode modeBefore() const { return m_modeBefore; }
+    int samplePeriodBefore() const { return m_periodBefore; }
+
 public Q_SLOTS:
     void accept() override;
     /// Enables what means something in throughput mode only.
@@ -34,4 +40,6 @@ private:
 
     Ui::CxDataGraphSetupDlg *ui;
     QPointer<CxDataGraphForm> m_form;
+    MeasureMode m_modeBefore = MeasureModeThroughput;
+    int m_periodBefore = 0; ///< bytes
 };

@@ -13,8 +13,8 @@
 
 namespace {
 
-/// The dialogs below live on the heap: while they run the event loop the host may
-/// destroy the window, and with it what it is the parent of.
+// The dialogs below live on the heap: while they run the event loop the host may
+// destroy the window, and with it what it is the parent of.
 
 void showNothingToExport(QWidget *parent)
 {

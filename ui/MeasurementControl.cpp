@@ -222,15 +222,8 @@ bool CxDataGraphForm::startLine(CxCameraLineData *line)
 
 void CxDataGraphForm::UpdateMeasureButtonText(void *hCam, const QString &text)
 {
-    int column = 0;
-    switch (m_measureMode) {
-    case MeasureModeThroughput:
-        column = throughputColumn::Measure;
-        break;
-    case MeasureModeAcquisition:
-        column = acquisitionColumn::Measure;
-        break;
-    default:
+    const int column = measureCellColumn();
+    if (column < 0) {
         cxLogFailure("CxDataGraphForm::UpdateMeasureButtonText", "Unknown measurement mode is selected");
         return;
     }
@@ -249,11 +242,7 @@ void CxDataGraphForm::DisableUiForMeasurement(void *hCam, bool disable)
     for (int row = 0; row < ui->table->rowCount(); ++row)
         DisableTableWidget(row, throughputColumn::ExportData, hCam, disable);
 
-    bool measuring = false;
-    const QList<CxCameraLineData *> lines = m_cameraLines.values();
-    for (CxCameraLineData *line : lines)
-        measuring = measuring || line->isMeasurementRunning();
-    ui->btnSetup->setEnabled(!measuring);
+    ui->btnSetup->setEnabled(!isAnyCameraMeasuring());
 }
 
 void CxDataGraphForm::setDefaultCameraSettings(CxCameraLineData *line)

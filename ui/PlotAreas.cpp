@@ -132,7 +132,7 @@ void CxDataGraphForm::onChkCamPlotData(bool state)
         if (!plotted || !plotted->plotEnabled)
             continue;
         addCameraPlot(camera, layoutRow, plotted->cameraName);
-        layoutRow += 2;
+        layoutRow += plotstyle::rowsPerArea;
     }
     showPlotWhenUsed();
 }

@@ -6,6 +6,9 @@
 /// background, and readable while several areas share a low window.
 namespace plotstyle {
 
+/// Of the plot's grid: the title and the axes below it.
+constexpr unsigned int rowsPerArea = 2;
+
 /// For an area's name.
 QFont titleFont();
 

@@ -91,6 +91,8 @@ void LogWindow::createTable()
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setWordWrap(false);
+    // The reason stands at the end of a line, where it came from at its beginning.
+    m_table->setTextElideMode(Qt::ElideMiddle);
     m_table->setShowGrid(false);
     m_table->setAlternatingRowColors(true);
     m_table->setTabKeyNavigation(false);

@@ -33,6 +33,7 @@ void Gui::reset()
         delete docked.widget.data();
     d->interfaceLevel = 3;
     d->savePath.clear();
+    d->releaseAction = nullptr;
     d->widgets.clear();
     d->plots.clear();
     d->images.clear();
@@ -41,6 +42,11 @@ void Gui::reset()
 void Gui::setInterfaceLevel(int level)
 {
     d->interfaceLevel = level;
+}
+
+void Gui::setReleaseAction(std::function<void(void *)> action)
+{
+    d->releaseAction = std::move(action);
 }
 
 void Gui::setSavePath(const QString &path)
@@ -91,6 +97,9 @@ void Delegate::addPluginWidget(QWidget *widget, Qt::DockWidgetArea area, Qt::Doc
 void Delegate::setCameraControlEnabled(void *camera, bool enabled)
 {
     record(Function::SetCameraControlEnabled, camera, enabled);
+    const auto action = Gui::instance().priv().releaseAction;
+    if (enabled && action)
+        action(camera);
 }
 
 int Delegate::interfaceLevel()

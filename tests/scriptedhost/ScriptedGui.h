@@ -10,6 +10,7 @@
 #include <QString>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 class QCustomPlot;
@@ -44,6 +45,8 @@ public:
     void reset();
 
     void setInterfaceLevel(int level); ///< 3 at first
+    /// What the host does with a camera that it may control again.
+    void setReleaseAction(std::function<void(void *camera)> action);
     void setSavePath(const QString &path);
     QString savePath() const;
 

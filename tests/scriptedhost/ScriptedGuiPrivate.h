@@ -21,6 +21,7 @@ struct Gui::Private
     Delegate delegate;
     int interfaceLevel = 3;
     QString savePath;
+    std::function<void(void *)> releaseAction;
     QList<DockedWidget> widgets;
     QList<QCustomPlot *> plots;
     QList<ExportedImage> images;

@@ -29,6 +29,8 @@ private Q_SLOTS:
     void cameraThatVanishedWithoutASignal();
     void restoresWhatStoodAtTheStart();
     void closingAnotherCameraLeavesTheRest();
+    void hostThatAcquiresAgain_data();
+    void hostThatAcquiresAgain();
     void rebuildLeavesTheMeasurement();
 };
 
@@ -270,6 +272,35 @@ void RestoreTest::closingAnotherCameraLeavesTheRest()
     cameras.clickMeasure(2);
     QVERIFY(!cameras.isMeasuring(2));
     QVERIFY(cameras.isMeasuring(0));
+}
+
+void RestoreTest::hostThatAcquiresAgain_data()
+{
+    QTest::addColumn<int>("ending");
+    QTest::newRow("button") << int(ByButton);
+    QTest::newRow("stop all") << int(ByStopAll);
+    QTest::newRow("window") << int(ByWindow);
+}
+
+/// A host may go on with its own acquisition of a camera as soon as it is released.
+void RestoreTest::hostThatAcquiresAgain()
+{
+    QFETCH(int, ending);
+    MeasuringCameras cameras;
+    for (int camera = 0; camera < 3; ++camera)
+        QVERIFY(cameras.measure(camera, 1));
+    QStringList released;
+    scripted::Gui::instance().setReleaseAction([&](void *camera) {
+        released.append(cameras.label(camera));
+        cameras.host.setHostAcquisition(camera, true);
+        QCoreApplication::processEvents();
+    });
+    end(cameras, ending);
+    scripted::Gui::instance().setReleaseAction(nullptr);
+    released.sort();
+    QCOMPARE(released, ending == ByButton ? QStringList("Alpha") : QStringList({"Alpha", "Beta", "Gamma"}));
+    if (ending != ByWindow)
+        QCOMPARE(cameras.cell(0, 1), QString("Acq"));
 }
 
 /// A camera that the host opens has the table built again under a running

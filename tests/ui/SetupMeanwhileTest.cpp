@@ -18,6 +18,8 @@ private Q_SLOTS:
     void cameraOpens();
     void measurementStarts_data();
     void measurementStarts();
+    void settingsAreLoaded_data();
+    void settingsAreLoaded();
     void windowGoes_data();
     void windowGoes();
 };
@@ -99,6 +101,37 @@ void SetupMeanwhileTest::measurementStarts()
     QCOMPARE(cameras.settings(0), settings);
     QVERIFY(cameras.setup()->isEnabled());
     cameras.refresh();
+}
+
+void SetupMeanwhileTest::settingsAreLoaded_data()
+{
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("OK") << true;
+    QTest::newRow("cancel") << false;
+}
+
+/// By the host, with the other mode: OK goes back to the one that the dialog shows.
+void SetupMeanwhileTest::settingsAreLoaded()
+{
+    QFETCH(bool, accepted);
+    MeasuringCameras cameras(1);
+    cameras.rig.loadSettings({{"DTGTSamplePeriod", 4096}, {"DTGTMeasMode", 0}});
+    QVERIFY(withSetup(cameras.rig, [&](const SetupDialog &setup) {
+        cameras.rig.loadSettings({{"DTGTSamplePeriod", 8192}, {"DTGTMeasMode", 1}});
+        QCOMPARE(header(cameras, 2), "Data Format");
+        if (accepted)
+            setup.clickOk();
+        else
+            setup.clickCancel();
+    }));
+    QCOMPARE(header(cameras, 2), accepted ? "Measure" : "Data Format");
+    QPushButton *button = measureButton(cameras, accepted ? 0 : 1);
+    QVERIFY(button);
+    button->click();
+    QVERIFY(cameras.deliver(0, 1));
+    // Transport data in throughput mode only.
+    QCOMPARE(cameras.host.value(cameras[0], "imgdataformat") == 7, accepted);
+    button->click();
 }
 
 void SetupMeanwhileTest::windowGoes_data()

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void copiesAllShownWithoutASelection();
     void clears();
     void tellsWhatIsLost();
+    void longLinesShowBothEnds();
     void coloursAreReadable_data();
     void coloursAreReadable();
 
@@ -301,6 +302,22 @@ void LogWindowTest::tellsWhatIsLost()
     QCOMPARE(child<QLabel>("logStatus")->text(),
              QString("Lines: 300, shown: 300 (too many to keep; oldest dropped: 12)"));
     QLocale::setDefault(before);
+}
+
+/// A line begins with where it came from and ends with what went wrong.
+void LogWindowTest::longLinesShowBothEnds()
+{
+    const QString middle(500, 'x');
+    for (const QString &text : {"A" + middle + "A", "A" + middle + "B", "B" + middle + "A"})
+        enter(QtInfoMsg, text);
+    m_table->clearSelection();
+    const auto picture = [this](int row) {
+        const QModelIndex index = m_table->model()->index(row, LogStore::TextColumn);
+        return m_table->viewport()->grab(m_table->visualRect(index)).toImage();
+    };
+    m_table->setAlternatingRowColors(false);
+    QVERIFY(picture(0) != picture(1));
+    QVERIFY(picture(0) != picture(2));
 }
 
 void LogWindowTest::coloursAreReadable_data()
