@@ -10,7 +10,7 @@ import time
 import gi
 
 gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi, GLib  # noqa: E402
+from gi.repository import Atspi, Gio, GLib  # noqa: E402
 from PIL import Image  # noqa: E402
 
 PATIENCE = 40.0  # seconds until something that must come is missed
@@ -61,6 +61,12 @@ class Widget:
         """What stands in an edit."""
         self.node.clear_cache()
         return Atspi.Text.get_text(self.node, 0, -1)
+
+    @property
+    def value(self):
+        """The number in a spin box."""
+        self.node.clear_cache()
+        return Atspi.Value.get_current_value(self.node)
 
     def has(self, state):
         self.node.clear_cache()
@@ -141,7 +147,10 @@ class Screen:
     def __enter__(self):
         with tempfile.TemporaryFile("w+") as display:
             self._start(
-                ["Xvfb", "-displayfd", str(display.fileno()), "-screen", "0", "{}x{}x24".format(*self.size)],
+                # Without a reset when the last client leaves: that may be the question
+                # for the window manager, while the manager is just coming.
+                ["Xvfb", "-noreset", "-displayfd", str(display.fileno()),
+                 "-screen", "0", "{}x{}x24".format(*self.size)],
                 pass_fds=[display.fileno()],
             )
 
@@ -150,7 +159,7 @@ class Screen:
                 return display.read().strip()
 
             self.environment["DISPLAY"] = ":" + wait_for(number, "the X server")
-        self._start(["openbox"])
+        self.manager = self._start(["openbox"])
         wait_for(self._is_managed, "the window manager")
         os.environ["DISPLAY"] = self.environment["DISPLAY"]
         return self
@@ -165,7 +174,12 @@ class Screen:
                     process.kill()
                     process.wait()
 
+    def check_managed(self):
+        if self.manager.poll() is not None:
+            raise AssertionError(f"the window manager ended with {self.manager.returncode}")
+
     def _is_managed(self):
+        self.check_managed()
         answer = subprocess.run(
             ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=self.environment, capture_output=True, text=True
         )
@@ -222,10 +236,9 @@ class Screen:
         self.xdotool("type", "--delay", 30, text)
 
     def window_in_front(self, title):
-        """Whether the keys go to a window of that title. Asks the window manager
-        only, so the program may be busy."""
-        active = self._query("getactivewindow", "getwindowname")
-        return active == title
+        """Whether the keys go to a window of that title. Asks the X server only,
+        so the program may be busy."""
+        return self._query("getwindowfocus", "getwindowname") == title
 
     def has_window(self, title):
         return bool(self._query("search", "--onlyvisible", "--name", f"^{title}$"))
@@ -261,21 +274,72 @@ class Screen:
         return image
 
 
+class LateAccessibility:
+    """A session bus for one program, on which the accessibility bus that is there
+    already appears when announce() is called.
+
+    Qt joins the accessibility bus when it appears, not one that it finds: without
+    this a program that is started a second time would stay unseen."""
+
+    INTERFACE = """<node><interface name="org.a11y.Bus">
+        <method name="GetAddress"><arg type="s" direction="out"/></method>
+    </interface></node>"""
+
+    def __init__(self, screen):
+        session = Gio.bus_get_sync(Gio.BusType.SESSION, None)
+        self.accessibility = session.call_sync(
+            "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress",
+            None, None, Gio.DBusCallFlags.NONE, -1, None,
+        ).unpack()[0]  # fmt: skip
+        with tempfile.TemporaryFile("w+") as file:
+            screen._start(
+                ["dbus-daemon", "--session", "--nofork", f"--print-address={file.fileno()}"], pass_fds=[file.fileno()]
+            )
+
+            def printed():
+                file.seek(0)
+                return file.read().strip()
+
+            self.address = wait_for(printed, "a session bus")
+        flags = Gio.DBusConnectionFlags
+        self.connection = Gio.DBusConnection.new_for_address_sync(
+            self.address, flags.AUTHENTICATION_CLIENT | flags.MESSAGE_BUS_CONNECTION, None, None
+        )
+        self.connection.set_exit_on_close(False)
+
+    def announce(self):
+        interface = Gio.DBusNodeInfo.new_for_xml(self.INTERFACE).interfaces[0]
+        self.connection.register_object("/org/a11y/bus", interface, self._answer, None, None)
+        Gio.bus_own_name_on_connection(self.connection, "org.a11y.Bus", Gio.BusNameOwnerFlags.NONE, None, None)
+
+    def _answer(self, connection, sender, path, interface, method, parameters, invocation):
+        invocation.return_value(GLib.Variant("(s)", (self.accessibility,)))
+
+
 class Program:
     """A program that shows itself on the accessibility bus."""
+
+    started = False  # by this process, once
 
     def __init__(self, screen, *arguments, variables=None):
         self.screen = screen
         self.log = tempfile.TemporaryFile("w+")  # closed with the object
-        self.process = screen.start([os.environ["VELMORA"], *arguments], self.log, variables or {})
+        late = LateAccessibility(screen) if Program.started else None
+        variables = {**({"DBUS_SESSION_BUS_ADDRESS": late.address} if late else {}), **(variables or {})}
+        self.process = screen.start([os.environ["VELMORA"], *arguments], self.log, variables)
         wait_for(self._has_window, "the program's window")
         time.sleep(1)  # the window manager gives it its place
         # Qt joins the accessibility bus when it appears, not one that is there.
-        Atspi.init()
+        if late:
+            late.announce()
+        else:
+            Atspi.init()
+        Program.started = True
         self.root = wait_for(self._application, "the program on the accessibility bus")
 
     def _has_window(self):
         self._check_alive()
+        self.screen.check_managed()
         found = subprocess.run(
             ["xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid)],
             env=self.screen.environment, capture_output=True,

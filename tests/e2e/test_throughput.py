@@ -1,103 +1,12 @@
 """Two simulated cameras, measured from the first click to the closed window."""
 
-import os
-import tempfile
 import unittest
 
-from PIL import ImageChops
-
-from desktop import Program, Screen, wait_for
-
-ORANGE = (255, 165, 0)  # "Min throughput"
-BLUE = (30, 144, 255)  # "Max buffer level", blended with what lies behind
-WHITE = (255, 255, 255)
+from desktop import wait_for
+from window import BLUE, ORANGE, WindowTest, differing, near
 
 
-def near(picture, colour, tolerance=40):
-    """How many pixels have about that colour."""
-    count = 0
-    for amount, pixel in picture.getcolors(picture.width * picture.height):
-        if all(abs(a - b) <= tolerance for a, b in zip(pixel, colour)):
-            count += amount
-    return count
-
-
-def differing(first, second):
-    """How many pixels of two pictures of one size differ."""
-    difference = ImageChops.difference(first, second).convert("L")
-    return sum(difference.histogram()[1:])
-
-
-class ThroughputTest(unittest.TestCase):
-    def setUp(self):
-        self.folder = tempfile.TemporaryDirectory()
-        self.addCleanup(self.folder.cleanup)
-        self.settings = os.path.join(self.folder.name, "velmora.ini")
-
-    def tearDown(self):
-        # What the screen looked like when something was missed.
-        self.screen.screenshot("last-" + self._testMethodName)
-
-    def start(self, width, height):
-        self.screen = Screen(width, height)
-        self.screen.__enter__()
-        self.addCleanup(self.screen.__exit__)
-        self.program = Program(
-            self.screen, "--simulate", "2", "--open-all", "--settings", self.settings
-        )
-        self.program.find("push button", "Start All")
-        self.table = self.camera_table()
-
-    def camera_table(self):
-        def table_with_status():
-            for table in self.program.root.find_all("table"):
-                names = [header.name for header in table.find_all("table column header")]
-                if "Status" in names and "Measure" in names:
-                    return table
-            return None
-
-        return wait_for(table_with_status, "the camera table")
-
-    def statuses(self):
-        return [row[1] for row in self.program.cells(self.table)]
-
-    def press(self, name):
-        self.screen.click(self.program.find("push button", name))
-
-    def plot_box(self):
-        """The plot has no name; it lies below the table, left of its buttons."""
-        x, y, width, height = self.table.box
-        reset = self.program.find("push button", "Reset Zoom").box
-        bottom = self.window_bottom()
-        return x, reset[1], width, bottom - reset[1]
-
-    def window_bottom(self):
-        frame = next(w for w in self.program.root.find_all("frame", "Data Throughput Graph") if w.showing)
-        return frame.box[1] + frame.box[3] - 12
-
-    def graph(self):
-        """The plot without its surroundings, the pointer out of the way."""
-        self.screen.point_at(2, 2)
-        return self.screen.picture(self.plot_box())
-
-    def settled(self):
-        """The plot once two pictures in a row are the same."""
-        last = self.graph()
-
-        def unchanged():
-            nonlocal last
-            now = self.graph()
-            same = differing(last, now) == 0
-            last = now
-            return same
-
-        wait_for(unchanged, "a plot that stands still")
-        return last
-
-    def middle_of_upper_plot(self):
-        x, y, width, height = self.plot_box()
-        return x + width // 2, y + height // 4
-
+class ThroughputTest(WindowTest):
     def test_a_measurement_from_start_to_end(self):
         self.start(1280, 900)
         rows = self.program.cells(self.table)
@@ -165,10 +74,6 @@ class ThroughputTest(unittest.TestCase):
         self.set_axis_by_hand()
         self.close()
 
-    def show_last_columns(self):
-        x, y, width, height = self.table.box
-        self.screen.wheel_right((x + width // 3, y + height // 2), times=30)
-
     def set_axis_by_hand(self):
         before = self.settled()
         x, y, width, height = self.program.cell(self.table, 0, 11).box
@@ -182,11 +87,6 @@ class ThroughputTest(unittest.TestCase):
         self.press("Refresh")
         self.assertGreater(differing(before, self.settled()), 500)
         self.screen.screenshot("8-axis-by-hand")
-
-    def close(self):
-        self.screen.key("ctrl+q")
-        self.assertEqual(self.program.wait_for_end(), 0, self.program.output())
-        self.assertTrue(os.path.exists(self.settings))
 
     def test_a_small_screen(self):
         self.start(1024, 768)
