@@ -226,13 +226,13 @@ public:
 
     ZUCORE_HANDLE cameraHandle = nullptr; ///< null: no camera, starts do nothing
     QString cameraName;                   ///< for the user
-    MeasureMode measureMode = MeasureModeThroughput;
-    QElapsedTimer elapsedTimer; ///< started with each measurement loop
+    QElapsedTimer elapsedTimer;           ///< started with each measurement loop
 
     QList<CxFrameData *> frames;         ///< owned, oldest first
     QList<CxCounterData *> counterData;  ///< owned, oldest first
     QList<CxCounterInfo *> counterInfos; ///< owned, fixed
 
+    MeasureMode measureMode = MeasureModeThroughput;
     unsigned int sampleInterval = 4096; ///< bytes between two samples of a frame
     long long maxSamples = 3000000;     ///< capacity in samples, or in records
     quint64 internalBuffSize = 0;       ///< bytes

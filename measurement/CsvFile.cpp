@@ -7,7 +7,7 @@ namespace measurement {
 namespace {
 
 /// Large enough that the calls do not count, small enough to stay in the cache.
-constexpr std::size_t bufferSize = 256 * 1024;
+constexpr std::size_t bufferSize = std::size_t{256} * 1024;
 
 } // namespace
 

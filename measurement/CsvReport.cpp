@@ -189,7 +189,7 @@ void CsvReport::writeHeader(const char *text)
 {
     const std::size_t size = std::strlen(text);
     char *line = m_file.reserve();
-    std::memcpy(line, text, size);
+    std::copy_n(text, size, line);
     m_file.commit(line + size);
 }
 

@@ -64,14 +64,14 @@ QCPGraph *addGraph(QCPAxisRect *rect, QCPAxis::AxisType side, const QString &nam
 
 } // namespace
 
-QCPGraph *CxDataGraphForm::AddAcqPlotToRight(void *hCam, const QString &name, QColor colour)
+QCPGraph *CxDataGraphForm::AddAcqPlotToRight(void *hCam, const QString &name, const QColor &colour)
 {
     return addGraph(GetCameraPlot(hCam), QCPAxis::atRight, name, colour,
                     "CxDataGraphForm::AddAcqPlotToRight");
 }
 
 QCPGraph *CxDataGraphForm::AddStandardAcqPlot(void *hCam, const QString &name, ZU_COUNTER_SELECTOR selector,
-                                              QColor colour)
+                                              const QColor &colour)
 {
     const CxCameraLineData *line = m_cameraLines.value(hCam);
     if (!line || !line->IsCounterSupported(selector))

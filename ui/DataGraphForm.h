@@ -81,11 +81,11 @@ public:
     /// A new graph "Min throughput" or "Max buffer level"; null for other names.
     QCPGraph *AddThrougputPlot(void *hCam, const QString &name, QColor colour);
     /// A new graph on the camera's right axis.
-    QCPGraph *AddAcqPlotToRight(void *hCam, const QString &name, QColor colour);
+    QCPGraph *AddAcqPlotToRight(void *hCam, const QString &name, const QColor &colour);
     /// A new graph of a counter on the left axis; null for a counter that the
     /// camera does not have.
     QCPGraph *AddStandardAcqPlot(void *hCam, const QString &name, ZU_COUNTER_SELECTOR selector,
-                                 QColor colour);
+                                 const QColor &colour);
     bool IsPlotEnabled(const QString &name);
     /// Fits the left axis to its graphs and shows its bounds in the row, unless
     /// the user sets them by hand.
