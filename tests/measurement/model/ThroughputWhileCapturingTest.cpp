@@ -1,4 +1,5 @@
 #include "measurement/ThroughputEngine.h"
+#include "tests/measurement/MutexProbe.h"
 #include "tests/measurement/model/RecordedLine.h"
 
 #include <QMutexLocker>
@@ -8,19 +9,6 @@
 #include <thread>
 
 namespace {
-
-/// Whether a thread that is not the caller's could take the mutex now.
-bool isFree(QMutex &mutex)
-{
-    bool taken = false;
-    std::thread other([&] {
-        taken = mutex.tryLock();
-        if (taken)
-            mutex.unlock();
-    });
-    other.join();
-    return taken;
-}
 
 /// Tries the engine's mutex at every point.
 class LockProbe final : public measurement::throughput::PointSink

@@ -1,5 +1,6 @@
 #include "bench/reference/CsvReference.h"
 #include "measurement/ExportGate.h"
+#include "tests/measurement/MutexProbe.h"
 #include "tests/measurement/report/ExportRig.h"
 #include "tests/measurement/report/FileLimit.h"
 
@@ -59,7 +60,7 @@ void DataExportTest::cleanup()
 
 bool DataExportTest::isOver() const
 {
-    return !CxExportGate::isClosed() && !m_rig->line.isExporting() && ExportRig::isFree(m_rig->line.mutex);
+    return !CxExportGate::isClosed() && !m_rig->line.isExporting() && isFree(m_rig->line.mutex);
 }
 
 QByteArray DataExportTest::expectedFrames(bool reset) const
@@ -148,7 +149,7 @@ void DataExportTest::dialogLook()
         QCOMPARE(buttons.first()->text(), QString("Cancel"));
         QVERIFY(buttons.first()->isHidden());
         QVERIFY(CxExportGate::isClosed());
-        QVERIFY(!ExportRig::isFree(m_rig->line.mutex));
+        QVERIFY(!isFree(m_rig->line.mutex));
         // Only here: the camera's thread has to wait for the mutex.
         QVERIFY(m_rig->line.isExporting());
         bool elsewhere = true;

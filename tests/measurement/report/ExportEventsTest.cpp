@@ -1,5 +1,6 @@
 #include "measurement/ExportGate.h"
 #include "tests/measurement/EngineFixture.h"
+#include "tests/measurement/MutexProbe.h"
 #include "tests/measurement/report/ExportRig.h"
 
 #include <QProgressDialog>
@@ -69,7 +70,7 @@ void ExportEventsTest::postponedWorkComesAfterwards()
     ExportRig rig;
     bool done = false;
     rig.atStart([&](QProgressDialog &) {
-        QVERIFY(CxExportGate::putOff(rig.window.get(), [&] { done = ExportRig::isFree(rig.line.mutex); }));
+        QVERIFY(CxExportGate::putOff(rig.window.get(), [&] { done = isFree(rig.line.mutex); }));
     });
     QVERIFY(rig.exportAll());
     QVERIFY(!done);
@@ -117,7 +118,7 @@ void ExportEventsTest::parentMayGo()
     const int rows = rig.contents().count('\n') - 1;
     QVERIFY(amongRows ? rows > 0 : rows == 0);
     QVERIFY(rows < 3998000);
-    QVERIFY(ExportRig::isFree(rig.line.mutex));
+    QVERIFY(isFree(rig.line.mutex));
 }
 
 void ExportEventsTest::engineMayBeDiscarded_data()

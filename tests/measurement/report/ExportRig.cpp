@@ -4,8 +4,6 @@
 #include <QFile>
 #include <QProgressDialog>
 
-#include <thread>
-
 ExportRig::ExportRig()
     : recorded(std::make_unique<RecordedLine>())
     , line(recorded->line)
@@ -73,16 +71,4 @@ QByteArray ExportRig::contents() const
 {
     QFile file(path());
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
-
-bool ExportRig::isFree(QMutex &mutex)
-{
-    bool taken = false;
-    std::thread other([&] {
-        taken = mutex.tryLock();
-        if (taken)
-            mutex.unlock();
-    });
-    other.join();
-    return taken;
 }

@@ -39,8 +39,6 @@ public:
 
     QString path() const { return folder.filePath(QStringLiteral("report.csv")); }
     QByteArray contents() const;
-    /// Takes the mutex, if it is free, on another thread than the caller's.
-    static bool isFree(QMutex &mutex);
 
     QTemporaryDir folder;
     std::unique_ptr<RecordedLine> recorded;
