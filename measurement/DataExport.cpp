@@ -3,7 +3,7 @@
 #include "measurement/ExportGate.h"
 #include "measurement/Log.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QMutexLocker>
 #include <QPointer>
@@ -52,11 +52,10 @@ public:
 
     void show()
     {
-        const bool programIsActive = QApplication::activeWindow() != nullptr;
         m_dialog->show();
         // Showing makes room for the hidden button.
         m_dialog->resize(std::max(dialogSize.width(), m_dialog->sizeHint().width()), dialogSize.height());
-        processFirstEvents(programIsActive);
+        processFirstEvents();
         m_sinceEvents.start();
     }
 
@@ -74,18 +73,19 @@ public:
     }
 
 private:
-    /// \param awaitActivation a modal dialog that goes before the window manager
-    /// has made it active takes the activation along: no window of the program
-    /// would have the keys. Where none has them anyway there is nothing to wait for.
-    void processFirstEvents(bool awaitActivation)
+    /// A modal dialog that goes before the window manager has made it active
+    /// takes the activation along: no window of the program would have the keys.
+    /// Whether any has them now tells nothing, since the window in front may have
+    /// gone a moment ago, as a file dialog has; so this waits in any case.
+    void processFirstEvents()
     {
         QElapsedTimer shown;
         shown.start();
         for (;;) {
             const auto left = static_cast<int>(std::max<qint64>(1, showTime - shown.elapsed()));
             QCoreApplication::processEvents(QEventLoop::AllEvents, left);
-            if (!awaitActivation || m_ended || !m_dialog || m_dialog->wasCanceled() ||
-                m_dialog->isActiveWindow() || shown.hasExpired(showTime))
+            if (m_ended || !m_dialog || m_dialog->wasCanceled() || m_dialog->isActiveWindow() ||
+                shown.hasExpired(showTime))
                 return;
             QThread::msleep(1);
         }
