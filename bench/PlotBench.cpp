@@ -145,6 +145,7 @@ public:
     {
         m_levels->addData(static_cast<double>(time) / 1000000.0, maxLevel);
     }
+    void restart() override { m_levels->data()->clear(); }
 
 private:
     QCPGraph *const m_levels;

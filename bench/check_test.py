@@ -33,10 +33,13 @@ def floor(kind, limit, numerator="slow", denominator="fast"):
 
 
 class CheckTest(unittest.TestCase):
-    def check(self, floors, benchmarks):
+    def check(self, floors, benchmarks, form="full"):
         with tempfile.TemporaryDirectory() as folder:
             paths = []
-            for name, content in (("results", {"benchmarks": benchmarks}), ("floors", floors)):
+            for name, content in (
+                ("results", {"context": {"velmora_form": form}, "benchmarks": benchmarks}),
+                ("floors", floors),
+            ):
                 paths.append(pathlib.Path(folder, name))
                 paths[-1].write_text(json.dumps(content), encoding="utf-8")
             run = subprocess.run([sys.executable, CHECK, *paths], capture_output=True, text=True, check=False)
@@ -79,6 +82,25 @@ class CheckTest(unittest.TestCase):
         self.assertEqual((status, lines), (1, ["MISS gain: not measured: fast (floor >= 1)"]))
         failed = [median("slow", 8), entry("fast", 1, error_occurred=True)]
         self.assertEqual(self.check([floor("min-ratio", 1)], failed)[0], 1)
+
+    def test_counters(self):
+        def limited(limit, counter="size"):
+            return {
+                "name": "memory", "kind": "max-counter", "benchmark": "slow", "counter": counter, "floor": limit
+            }  # fmt: skip
+
+        benchmarks = [entry("slow", 10, size=value) for value in (1, 5, 99)]
+        self.assertEqual(self.check([limited(5)], benchmarks), (0, ["ok   memory: 5.00 (floor <= 5)"]))
+        self.assertEqual(self.check([limited(4.9)], benchmarks), (1, ["MISS memory: 5.00 (floor <= 4.9)"]))
+        status, lines = self.check([limited(5, "weight")], benchmarks)
+        self.assertEqual((status, lines), (1, ["MISS memory: not measured: slow (floor <= 5)"]))
+
+    def test_the_short_form_has_fewer_floors(self):
+        benchmarks = [median("slow", 10), median("fast", 4)]
+        floors = [floor("min-ratio", 1), {**floor("min-ratio", 9), "form": "full"}]
+        self.assertEqual(self.check(floors, benchmarks, "short")[0], 0)
+        self.assertEqual(self.check(floors, benchmarks)[0], 1)
+        self.assertEqual(self.check(floors[1:], [], "full")[0], 1)
 
     def test_unusable_input(self):
         self.assertEqual(self.check([floor("between", 1)], [median("slow", 8), median("fast", 2)])[0], 2)

@@ -1,10 +1,13 @@
 #include "measurement/CameraLineData.h"
 
 #include "measurement/AcquisitionThread.h"
+#include "measurement/LevelFollower.h"
 #include "measurement/RaceCheck.h"
 
 #include <QMutexLocker>
 #include <QThread>
+
+#include <memory>
 
 namespace {
 
@@ -19,6 +22,25 @@ template <typename T> void freeArray(T *&array)
 CxCameraLineData::CxFrameData::~CxFrameData()
 {
     delete[] samples;
+}
+
+void CxCameraLineData::CxFrameData::allocateSamples(quint64 count)
+{
+    using measurement::throughput::BlockOutline;
+    static_assert(sizeof(BlockOutline) % sizeof(quint64) == 0 && alignof(BlockOutline) <= alignof(quint64));
+    const std::size_t blockTotal = measurement::throughput::blockCount(count);
+    delete[] samples;
+    samples = new quint64[count + blockTotal * (sizeof(BlockOutline) / sizeof(quint64))];
+    sampleCount = count;
+    blocks = reinterpret_cast<BlockOutline *>(samples + count);
+    std::uninitialized_default_construct_n(blocks, blockTotal);
+}
+
+void CxCameraLineData::CxFrameData::describeSamples(const measurement::throughput::LevelKey &settings)
+{
+    outline.describe(samples, sampleCount, blocks);
+    if (outline.isPlain())
+        measurement::throughput::LevelFollower(settings).follow(outline, 0.0);
 }
 
 qint64 CxCameraLineData::CxFrameData::frameTimestamp(ExTimestampOrigin origin) const
@@ -100,6 +122,11 @@ bool CxCameraLineData::isMeasurementRunning()
 {
     const QMutexLocker locker(isExporting() ? nullptr : &mutex);
     return running.load();
+}
+
+measurement::throughput::LevelKey CxCameraLineData::levelKey() const
+{
+    return {sampleInterval, static_cast<qint32>(avgTransportSpeedMBps), internalBuffSize};
 }
 
 bool CxCameraLineData::isExporting() const

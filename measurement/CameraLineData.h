@@ -1,5 +1,7 @@
 #pragma once
 
+#include "measurement/FrameOutline.h"
+
 #include "zuCore/ZuApi.h"
 
 #include <QElapsedTimer>
@@ -58,6 +60,15 @@ public:
         /// for every other value.
         qint64 frameTimestamp(ExTimestampOrigin origin) const;
 
+        /// Gives the record room for `count` samples, in one block of memory with
+        /// what the throughput model keeps of them.
+        void allocateSamples(quint64 count);
+        /// Tells the throughput model of the samples, all of which are there, so
+        /// that no pass has to look at all of them under the engine's mutex.
+        /// Left out, as for records that were not captured, the first pass does it.
+        /// \param settings with which the graphs will probably be computed
+        void describeSamples(const measurement::throughput::LevelKey &settings);
+
         /// Link throughput, buffer change and end time of each sample interval.
         ///
         /// Equal neighbouring stamps are skipped; a stamp that steps back gives
@@ -74,9 +85,16 @@ public:
         qint64 computerTimestamp = 0; ///< microseconds, see the class
         quint64 frameNumber = 0;      ///< the camera's frame counter
         qint64 cameraTimestamp = 0;   ///< microseconds, see the class
-        quint64 *samples = nullptr;   ///< stamps of 4 ns; owned, from new[]
+        /// Stamps of 4 ns; owned, from new[]. They stay as they are once a pass
+        /// of the throughput model has seen them.
+        quint64 *samples = nullptr;
         quint64 sampleCount = 0;
         qint64 sampleSpan = 0; ///< last stamp minus first, 4-ns ticks; 0 for fewer than two
+
+        measurement::throughput::FrameOutline outline; ///< of the samples
+
+    private:
+        measurement::throughput::BlockOutline *blocks = nullptr; ///< behind the samples
     };
 
     /// One frame's counters in acquisition mode.
@@ -275,6 +293,9 @@ public:
     bool isExporting() const;
 
 private:
+    /// What the modelled level of the buffer depends on. Under `mutex`.
+    measurement::throughput::LevelKey levelKey() const;
+
     std::atomic<Qt::HANDLE> exportingThread{nullptr};
     bool discarded = false; ///< to be deleted when the export ends
     /// Mode of the running measurement: what its stop has to put back.

@@ -80,8 +80,7 @@ std::unique_ptr<CxCameraLineData::CxFrameData> sampleFrame(const ZU_IMG &image, 
 {
     const measurement::SamplePlan plan = measurement::planSamples(image.width, image.height, sampleInterval);
     auto frame = std::make_unique<CxCameraLineData::CxFrameData>();
-    frame->samples = new quint64[plan.count];
-    frame->sampleCount = plan.count;
+    frame->allocateSamples(plan.count);
     const std::span<measurement::Stamp> samples(frame->samples, plan.count);
     measurement::gatherSamples(static_cast<const std::byte *>(image.data), plan, samples);
     frame->sampleSpan = measurement::stampSpan(samples);
@@ -102,6 +101,7 @@ void CxCameraLineData::runMeasureLoopThrougput()
     // The owner may edit the settings for its graphs while this run goes on.
     const unsigned int interval = sampleInterval;
     const qint64 capacity = maxSamples;
+    measurement::throughput::LevelKey levelSettings = levelKey();
     startLine = startLine.arg(interval).arg(internalBuffSize).arg(avgTransportSpeedMBps);
     publish(*this, statistics);
     locker.unlock();
@@ -115,6 +115,7 @@ void CxCameraLineData::runMeasureLoopThrougput()
             continue;
         }
         std::unique_ptr<CxFrameData> frame = sampleFrame(image, interval);
+        frame->describeSamples(levelSettings);
         frame->computerTimestamp = clock.computerTimestamp();
         frame->frameNumber = image.frameNumber;
         frame->cameraTimestamp = clock.cameraTimestamp(image);
@@ -125,6 +126,7 @@ void CxCameraLineData::runMeasureLoopThrougput()
         publish(*this, statistics);
         frames.append(frame.release());
         trim(frames, count == 0 ? 0 : capacity / count, dropped);
+        levelSettings = levelKey();
         locker.unlock();
         deleteAll(dropped);
     }

@@ -16,9 +16,18 @@ struct ThroughputWindow
 };
 
 /// Evaluates the throughput model over the engine's records and keeps its
-/// results there. Holds the engine's mutex throughout.
+/// results there. Holds the engine's mutex throughout, except that what has to be
+/// found out about many records at first, or again after an edit of the settings,
+/// is done in several holds of a few milliseconds.
 /// \param sink takes the points; null: statistics only
 /// \return whether at least one frame was processed; false during an export
 bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::PointSink *sink);
+
+/// Does some of the work that a pass over the same window would have to do first.
+/// The engine's results may be those of the window afterwards.
+/// \param slices at most so many holds of the engine's mutex, of a few
+/// milliseconds each
+/// \return whether none is left
+bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, int slices);
 
 } // namespace measurement

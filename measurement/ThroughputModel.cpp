@@ -45,10 +45,11 @@ FrameRange selectFrames(const FrameSource &frames, const Settings &settings)
     return range;
 }
 
-bool evaluate(const FrameSource &frames, const FrameRange &range, const Settings &settings,
-              const Scratch &scratch, PointSink *sink, Statistics &statistics, const Kernels &kernels)
+Outcome evaluate(const FrameSource &frames, const FrameRange &range, const Settings &settings,
+                 const Scratch &scratch, PointSink *sink, Statistics &statistics, const Kernels &kernels,
+                 quint64 work)
 {
-    return Pass(frames, range, settings, scratch, sink, statistics, kernels).run();
+    return Pass(frames, range, settings, scratch, sink, statistics, kernels, work).run();
 }
 
 unsigned int frameSpeeds(const quint64 *stamps, quint64 count, quint32 sampleInterval, qint32 requiredMBps,

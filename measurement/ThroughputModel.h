@@ -1,27 +1,29 @@
 #pragma once
 
-#include "measurement/ThroughputKernels.h"
+#include "measurement/FrameOutline.h"
 
 #include <QtGlobal>
 
 #include <cstddef>
+#include <limits>
 
 /// The throughput model: what the link carried, how full that leaves the
 /// camera's frame buffer, and the few numbers and points the user sees of it.
 ///
 /// Stamps count ticks of 4 ns and are compared as unsigned numbers. Frame times
 /// are microseconds, speeds bytes a microsecond (MB/s), levels bytes or percent
-/// of the buffer. Nothing here knows how frames are stored, locks or allocates.
+/// of the buffer. Nothing here knows how frames are stored, or locks; memory is
+/// allocated only for outlines that nobody made before.
 namespace measurement::throughput {
 
 /// One stored frame.
 struct Frame
 {
-    qint64 timestamp = 0;             ///< of its first stamp, microseconds
-    const quint64 *stamps = nullptr;  ///< 4-ns ticks; may be null
-    quint64 count = 0;                ///< of stamps
-    qint64 span = 0;                  ///< last stamp minus first, ticks
-    const Extrema *extrema = nullptr; ///< of each blockLength intervals where known already, or null
+    qint64 timestamp = 0;            ///< of its first stamp, microseconds
+    const quint64 *stamps = nullptr; ///< 4-ns ticks; may be null
+    quint64 count = 0;               ///< of stamps
+    qint64 span = 0;                 ///< last stamp minus first, ticks
+    FrameOutline *outline = nullptr; ///< kept with the frame; made, and made anew, where needed. Null: none
 };
 
 /// The stored frames, oldest first.
@@ -44,6 +46,8 @@ public:
     /// \param maxLevel highest level since the point before or the start of the
     /// frame, whichever is later, percent
     virtual void addPoint(qint64 time, double minSpeed, double maxLevel) = 0;
+    /// The pass begins again: forgets the points so far.
+    virtual void restart() = 0;
 };
 
 struct Settings
@@ -87,16 +91,28 @@ struct Statistics
     quint64 bufferOverflowCount = 0; ///< frames in which the level passed the buffer's size
 };
 
+enum class Outcome {
+    Nothing,    ///< no frame took part
+    Processed,  ///< at least one did
+    Unfinished, ///< there was more work than allowed; the statistics mean nothing
+};
+
+constexpr quint64 unlimitedWork = std::numeric_limits<quint64>::max();
+
 /// Walks the selected frames. Every statistic and point has exactly the bits
 /// that evaluating each interval on its own in double precision gives.
 ///
+/// What had to be found out about frames stays in their outlines, so that the
+/// next pass need not look at their stamps again.
 /// \param sink null: statistics only
 /// \param statistics in and out: the average stays as it was when no frame takes part
 /// \param kernels inner loops; all sets give the same results
-/// \return whether at least one frame took part
-bool evaluate(const FrameSource &frames, const FrameRange &range, const Settings &settings,
-              const Scratch &scratch, PointSink *sink, Statistics &statistics,
-              const Kernels &kernels = bestKernels());
+/// \param work intervals that may be looked at for outlines. A pass that comes to
+/// the end of it has got further than the one before, as long as the frames are
+/// the same; after some more calls one gets through.
+Outcome evaluate(const FrameSource &frames, const FrameRange &range, const Settings &settings,
+                 const Scratch &scratch, PointSink *sink, Statistics &statistics,
+                 const Kernels &kernels = bestKernels(), quint64 work = unlimitedWork);
 
 /// Speed, buffer change and end time of each interval of one frame; intervals
 /// between equal stamps are left out.

@@ -22,7 +22,7 @@ double Pass::percentOf(double peak) const
 {
     if (peak <= 0.0)
         return 0.0;
-    return peak > m_rule.size ? 100.0 : peak / m_rule.size * 100.0;
+    return peak > m_bufferSize ? 100.0 : peak / m_bufferSize * 100.0;
 }
 
 /// Speeds of 0 would flatten the graph; they stay out of it.
@@ -44,107 +44,113 @@ void Pass::emitPoint(qint64 time)
     m_lastPoint = time;
     if (!m_sink)
         return;
+    if (m_pointLongest > 0)
+        lowerSpeed(speedOver(m_pointLongest));
     m_sink->addPoint(time, m_pointSpeed, m_pointLevel);
     m_pointLevel = 0.0;
     m_pointSpeed = std::numeric_limits<double>::max();
+    m_pointLongest = 0;
 }
 
-/// Adds a frame whose level has been followed.
-void Pass::addFrame(const Outline &outline)
+/// Adds a frame through which the level has been followed.
+void Pass::addOutlined(const Frame &frame)
 {
-    m_lastTime = outline.frame.timestamp + outline.lastTime;
+    const FrameOutline &outline = *frame.outline;
+    m_lastTime = frame.timestamp + outline.lastTime();
     if (m_first) {
-        const quint64 *stamps = outline.frame.stamps;
-        const qint64 time = outline.frame.timestamp + static_cast<qint64>((stamps[1] - stamps[0]) / 250);
-        m_lastPoint = time - m_settings.to;
+        const quint64 *const next = std::upper_bound(frame.stamps, frame.stamps + frame.count, *frame.stamps);
+        m_lastPoint = frame.timestamp + static_cast<qint64>((*next - *frame.stamps) / 250) - m_settings.to;
         m_first = false;
     }
-    m_statistics.minThroughput = std::min(m_statistics.minThroughput, speedOver(outline.longest));
-    m_peakPercent = std::max(m_peakPercent, percentOf(outline.peak));
-    if (outline.peak > m_rule.size)
+    m_longest = std::max<quint64>(m_longest, outline.extrema().longest);
+    m_peak = std::max(m_peak, outline.peak());
+    if (outline.peak() > m_bufferSize)
         ++m_statistics.bufferOverflowCount;
     if (!m_sink)
         return;
 
     m_pointLevel = 0.0;
-    if (nextPointTicks(outline) == never)
-        lowerSpeed(speedOver(outline.longest));
+    const quint64 due = nextPointTicks(frame);
+    if (due == never)
+        m_pointLongest = std::max<quint64>(m_pointLongest, outline.extrema().longest);
     else
-        addPoints(outline);
+        addPoints(frame, due);
 }
 
 /// Ticks since the frame's first stamp from which on an interval's end yields
 /// the next point; `never` where that lies behind the frame or the window.
-quint64 Pass::nextPointTicks(const Outline &outline) const
+quint64 Pass::nextPointTicks(const Frame &frame) const
 {
     const qint64 earliest =
         std::max(m_settings.from - m_settings.to, addSaturated(m_lastPoint, m_spacing + 1));
     if (earliest > 0)
         return never;
-    const qint64 time = addSaturated(earliest, m_settings.to - outline.frame.timestamp);
-    if (time > outline.lastTime)
+    const qint64 time = addSaturated(earliest, m_settings.to - frame.timestamp);
+    if (time > frame.outline->lastTime())
         return never;
-    return time > 0 ? static_cast<quint64>(time) * 250 : 0;
+    // No interval ends with the first stamp, nor with one that repeats it.
+    return time > 0 ? static_cast<quint64>(time) * 250 : 1;
 }
 
-void Pass::addPoints(const Outline &outline)
+void Pass::addPoints(const Frame &frame, quint64 due)
 {
+    const FrameOutline &outline = *frame.outline;
     Segment segment;
     double framePeak = 0.0;
-    for (std::size_t block = 0; block < outline.blocks; ++block) {
-        double level = outline.staysEmpty ? 0.0 : outline.startLevelOf[block];
-        const std::size_t done = addBlockPoints(outline, block, segment, level, framePeak);
-        if (done > 0 && done < outline.blockSize(block)) {
-            extendSegment(outline.blockStamps(block) + done, outline.blockSize(block) - done, segment, level);
+    for (std::size_t block = 0; block < outline.blocks(); ++block) {
+        double level = outline.blockStart(block);
+        const std::size_t done = addBlockPoints(frame, block, due, segment, level, framePeak);
+        const std::size_t size = outline.blockSize(block);
+        if (done > 0 && done < size) {
+            extendSegment(outline, outline.blockStamps(block) + done, size - done, segment, level);
         } else if (done == 0) {
-            segment.longest = std::max(segment.longest, outline.longestOf[block]);
-            segment.peak = std::max(segment.peak, outline.staysEmpty ? 0.0 : outline.peakOf[block]);
+            segment.longest = std::max<quint64>(segment.longest, outline.block(block).extrema.longest);
+            segment.peak = std::max(segment.peak, outline.blockPeak(block));
         }
     }
-    if (segment.longest > 0)
-        lowerSpeed(speedOver(segment.longest));
+    m_pointLongest = std::max(m_pointLongest, segment.longest);
 }
 
 /// Adds the points that lie inside one block.
+/// \param due in and out: nextPointTicks()
 /// \return intervals of the block up to and with the last point's, 0 for none
-std::size_t Pass::addBlockPoints(const Outline &outline, std::size_t block, Segment &segment, double &level,
-                                 double &framePeak)
+std::size_t Pass::addBlockPoints(const Frame &frame, std::size_t block, quint64 &due, Segment &segment,
+                                 double &level, double &framePeak)
 {
-    const quint64 *stamps = outline.blockStamps(block);
-    const quint64 origin = outline.frame.stamps[0];
-    const std::size_t size = outline.blockSize(block);
+    const quint64 *stamps = frame.outline->blockStamps(block);
+    const quint64 origin = frame.stamps[0];
+    const std::size_t size = frame.outline->blockSize(block);
     std::size_t done = 0;
-    for (;;) {
-        const quint64 ticks = nextPointTicks(outline);
-        if (done == size || ticks == never || stamps[size] - origin < ticks)
-            return done;
+    while (done < size && due != never && stamps[size] - origin >= due) {
         const quint64 *end = std::partition_point(stamps + done + 1, stamps + size,
-                                                  [=](quint64 stamp) { return stamp - origin < ticks; });
-        const qint64 time = outline.frame.timestamp + static_cast<qint64>((*end - origin) / 250);
-        if (time > m_settings.to)
+                                                  [=](quint64 stamp) { return stamp - origin < due; });
+        const qint64 time = frame.timestamp + static_cast<qint64>((*end - origin) / 250);
+        if (time > m_settings.to) {
+            due = never;
             return done;
-
+        }
         const std::size_t count = static_cast<std::size_t>(end - stamps) - done;
-        extendSegment(stamps + done, count, segment, level);
+        extendSegment(*frame.outline, stamps + done, count, segment, level);
         framePeak = std::max(framePeak, segment.peak);
-        lowerSpeed(speedOver(segment.longest));
+        m_pointLongest = std::max(m_pointLongest, segment.longest);
         // Once the buffer has run over, the rest of the frame shows it full.
-        raiseLevel(framePeak > m_rule.size ? 100.0 : percentOf(segment.peak));
+        raiseLevel(framePeak > m_bufferSize ? 100.0 : percentOf(segment.peak));
         emitPoint(time - m_settings.to);
         segment = Segment();
         done += count;
+        due = nextPointTicks(frame);
     }
+    return done;
 }
 
 /// Adds intervals of one block to the segment and moves the level over them.
-void Pass::extendSegment(const quint64 *stamps, std::size_t count, Segment &segment, double &level) const
+void Pass::extendSegment(const FrameOutline &outline, const quint64 *stamps, std::size_t count,
+                         Segment &segment, double &level) const
 {
-    const Extrema extrema = m_kernels.extrema(stamps, count);
-    const double first = changeOver(extrema.shortest);
-    const double second = changeOver(extrema.longest);
+    const Extrema extrema =
+        outline.hasRepeats() ? extremaOfClimbs(stamps, count) : m_kernels.extrema(stamps, count);
     segment.longest = std::max<quint64>(segment.longest, extrema.longest);
-    level =
-        advanceLevel(stamps, count, std::min(first, second), std::max(first, second), level, segment.peak);
+    level = m_follower.advance(stamps, count, extrema, outline.hasRepeats(), level, segment.peak);
 }
 
 /// Adds a frame interval by interval, whatever its stamps.
@@ -175,12 +181,12 @@ void Pass::addInterval(double speed, qint64 time, double change, bool &overflowe
     double percent = 0.0;
     if (m_level < 0.0) {
         m_level = 0.0;
-    } else if (m_level > m_rule.size) {
-        m_level = m_rule.size;
+    } else if (m_level > m_bufferSize) {
+        m_level = m_bufferSize;
         percent = 100.0;
         overflowed = true;
     } else {
-        percent = m_level / m_rule.size * 100.0;
+        percent = m_level / m_bufferSize * 100.0;
     }
     raiseLevel(overflowed ? 100.0 : percent);
     m_peakPercent = std::max(m_peakPercent, m_pointLevel);

@@ -2,7 +2,9 @@
 #include "measurement/ThroughputEngine.h"
 
 #include <QMutexLocker>
+#include <QThread>
 
+#include <algorithm>
 #include <limits>
 
 namespace measurement {
@@ -23,16 +25,26 @@ public:
 
     throughput::Frame at(std::size_t index) const override
     {
-        const CxCameraLineData::CxFrameData &record = *m_records.at(static_cast<int>(index));
-        throughput::Frame frame;
-        frame.timestamp = record.frameTimestamp(m_origin);
-        frame.stamps = record.samples;
-        frame.count = record.sampleCount;
-        frame.span = record.sampleSpan;
-        return frame;
+        const int position = static_cast<int>(index);
+        // Records lie all over the memory, and a pass takes nothing else of most.
+        if (position + ahead < m_records.size())
+            prefetch(m_records.at(position + ahead));
+        CxCameraLineData::CxFrameData &record = *m_records.at(position);
+        return {record.frameTimestamp(m_origin), record.samples, record.sampleCount, record.sampleSpan,
+                &record.outline};
     }
 
 private:
+    static constexpr int ahead = 12; ///< records; fewer come too late, more gain nothing
+
+    static void prefetch(const CxCameraLineData::CxFrameData *record)
+    {
+        constexpr std::size_t line = 64;
+        const char *bytes = reinterpret_cast<const char *>(record);
+        for (std::size_t offset = 0; offset < sizeof *record; offset += line)
+            __builtin_prefetch(bytes + offset);
+    }
+
     const QList<CxCameraLineData::CxFrameData *> &m_records;
     const ExTimestampOrigin m_origin;
 };
@@ -51,6 +63,19 @@ throughput::Settings settingsOf(const CxCameraLineData &line, const ThroughputWi
     return settings;
 }
 
+/// Intervals that are looked at in one hold of the mutex: some milliseconds of
+/// work, for which a camera's driver has buffers. Each hold also walks over the
+/// frames that need no work any more, so a long recording gets fewer of them.
+quint64 sliceWork(quint64 intervals)
+{
+    constexpr quint64 least = Q_UINT64_C(1) << 20;
+    constexpr quint64 most = Q_UINT64_C(1) << 22;
+    return std::min(std::max(intervals / 64, least), most);
+}
+
+/// Microseconds in which a waiting capture can take the mutex.
+constexpr unsigned long captureTurn = 50;
+
 /// Sizes the scratch arrays for the largest frame of the pass, normally the
 /// first: frames differ only after a restart with another image size, and
 /// resizing from frame to frame would allocate at every refresh.
@@ -63,35 +88,75 @@ bool provideScratch(CxCameraLineData &line, quint64 intervals)
     return line.AllocateBuffers(static_cast<unsigned int>(intervals)) && line.calcBufSize >= intervals;
 }
 
-} // namespace
-
-bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::PointSink *sink)
+/// One pass with the mutex held, or as much of it as `work` allows.
+throughput::Outcome evaluateSlice(CxCameraLineData &line, const ThroughputWindow &window,
+                                  throughput::PointSink *sink, quint64 work, quint64 &intervals)
 {
-    if (line.isExporting())
-        return false;
     const QMutexLocker locker(&line.mutex);
     if (line.frames.isEmpty())
-        return false;
+        return throughput::Outcome::Nothing;
 
     const RecordedFrames frames(line.frames, window.origin);
     const throughput::Settings settings = settingsOf(line, window);
     const throughput::FrameRange range = throughput::selectFrames(frames, settings);
+    intervals = range.intervals * (range.end - range.begin);
     if (!provideScratch(line, range.intervals)) {
         cxLogFailure("CxCameraLineData::calculateGraphsThrougput",
                      "Failed to allocate temporary buffers for internal calculations");
-        return false;
+        return throughput::Outcome::Nothing;
     }
 
     const throughput::Scratch scratch = {line.linkSpeedBuf, line.bufferDeltaBuf, line.sampleTimeBuf,
                                          line.calcBufSize};
     throughput::Statistics statistics = {line.avgThroughput, line.minThroughput, line.maxBufferLevel,
                                          line.bufferOverflowCount};
-    const bool processed = throughput::evaluate(frames, range, settings, scratch, sink, statistics);
+    const throughput::Outcome outcome = throughput::evaluate(frames, range, settings, scratch, sink,
+                                                             statistics, throughput::bestKernels(), work);
+    if (outcome == throughput::Outcome::Unfinished)
+        return outcome;
     line.avgThroughput = statistics.avgThroughput;
     line.minThroughput = statistics.minThroughput;
     line.maxBufferLevel = statistics.maxBufferLevel;
     line.bufferOverflowCount = statistics.bufferOverflowCount;
-    return processed;
+    return outcome;
+}
+
+} // namespace
+
+bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::PointSink *sink)
+{
+    if (line.isExporting())
+        return false;
+    quint64 intervals = 0;
+    quint64 done = 0;
+    for (;;) {
+        // A level that meets neither end of the buffer has to be followed anew
+        // through everything whenever the capture drops the oldest frame. It
+        // must not go on for ever.
+        const quint64 work = done <= 2 * intervals ? sliceWork(intervals) : throughput::unlimitedWork;
+        const throughput::Outcome outcome = evaluateSlice(line, window, sink, work, intervals);
+        if (outcome != throughput::Outcome::Unfinished)
+            return outcome == throughput::Outcome::Processed;
+        done += work;
+        if (sink)
+            sink->restart();
+        // A mutex that is taken again at once is not given to who waits for it.
+        QThread::usleep(captureTurn);
+    }
+}
+
+bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, int slices)
+{
+    if (line.isExporting())
+        return true;
+    quint64 intervals = 0;
+    for (int slice = 0; slice < slices; ++slice) {
+        if (evaluateSlice(line, window, nullptr, sliceWork(intervals), intervals) !=
+            throughput::Outcome::Unfinished)
+            return true;
+        QThread::usleep(captureTurn);
+    }
+    return false;
 }
 
 } // namespace measurement

@@ -23,18 +23,11 @@ void Recording::append(qint64 timestamp, const std::vector<quint64> &stamps, qin
     m_frames.push_back(frame);
 }
 
-void Recording::prepareExtrema()
+void Recording::addOutlines()
 {
     for (Frame &frame : m_frames) {
-        const std::size_t intervals = frame.count > 1 ? frame.count - 1 : 0;
-        const std::size_t blocks = (intervals + blockLength - 1) / blockLength;
-        m_extrema.push_back(std::make_unique<Extrema[]>(blocks));
-        for (std::size_t block = 0; block < blocks; ++block) {
-            const std::size_t first = block * blockLength;
-            m_extrema.back()[block] =
-                portableKernels().extrema(frame.stamps + first, std::min(blockLength, intervals - first));
-        }
-        frame.extrema = m_extrema.back().get();
+        m_outlines.push_back(std::make_unique<FrameOutline>());
+        frame.outline = m_outlines.back().get();
     }
 }
 
@@ -66,12 +59,12 @@ const std::vector<Regime> &benchmarkRegimes()
     return regimes;
 }
 
-Recording makeRecording(const Regime &regime, std::size_t frames, std::size_t stampsPerFrame)
+void drawFrames(const Regime &regime, std::size_t frames, std::size_t stampsPerFrame,
+                const std::function<void(qint64, const std::vector<quint64> &)> &take)
 {
     std::mt19937_64 random(20240229);
     std::uniform_int_distribution<quint64> ordinary(regime.shortest, regime.longest);
     std::bernoulli_distribution stalls(regime.stallShare);
-    Recording recording;
     std::vector<quint64> stamps(stampsPerFrame);
     quint64 now = Q_UINT64_C(36000000000) * 250; // ten in the morning
     for (std::size_t frame = 0; frame < frames; ++frame) {
@@ -80,13 +73,21 @@ Recording makeRecording(const Regime &regime, std::size_t frames, std::size_t st
             if (i + 1 < stampsPerFrame)
                 now += regime.stallShare > 0.0 && stalls(random) ? regime.stall : ordinary(random);
         }
-        recording.append(static_cast<qint64>(stamps[0] / 250), stamps);
+        take(static_cast<qint64>(stamps[0] / 250), stamps);
         now += regime.pause * 250;
     }
+}
+
+Recording makeRecording(const Regime &regime, std::size_t frames, std::size_t stampsPerFrame)
+{
+    Recording recording;
+    drawFrames(regime, frames, stampsPerFrame, [&](qint64 timestamp, const std::vector<quint64> &stamps) {
+        recording.append(timestamp, stamps);
+    });
     return recording;
 }
 
-Settings settingsFor(const Recording &recording, const Regime &regime, int pixels, bool resetBufferLevel)
+Settings settingsFor(const FrameSource &recording, const Regime &regime, int pixels, bool resetBufferLevel)
 {
     const Frame first = recording.at(0);
     const Frame last = recording.at(recording.size() - 1);

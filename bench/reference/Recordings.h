@@ -2,6 +2,7 @@
 
 #include "measurement/ThroughputModel.h"
 
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -21,15 +22,15 @@ public:
     /// A frame whose span says something else than its stamps.
     void append(qint64 timestamp, const std::vector<quint64> &stamps, qint64 span);
 
-    /// Finds the extrema of all frames in advance.
-    void prepareExtrema();
+    /// Gives every frame an outline, as an engine's records have one; nothing is in it yet.
+    void addOutlines();
 
     quint64 sampleCount() const;
 
 private:
     std::vector<measurement::throughput::Frame> m_frames;
     std::vector<std::unique_ptr<quint64[]>> m_stamps;
-    std::vector<std::unique_ptr<measurement::throughput::Extrema[]>> m_extrema;
+    std::vector<std::unique_ptr<measurement::throughput::FrameOutline>> m_outlines;
 };
 
 /// How the intervals of a recording are drawn, in ticks of 4 ns.
@@ -47,10 +48,15 @@ struct Regime
 /// Against the 2560 ticks in which the sensor fills 4096 bytes at 400 MB/s.
 const std::vector<Regime> &benchmarkRegimes();
 
+/// Draws the frames of a recording, the same ones each time.
+/// \param take is given each frame's time stamp, microseconds, and its stamps
+void drawFrames(const Regime &regime, std::size_t frames, std::size_t stampsPerFrame,
+                const std::function<void(qint64, const std::vector<quint64> &)> &take);
+
 Recording makeRecording(const Regime &regime, std::size_t frames, std::size_t stampsPerFrame);
 
 /// 4096 bytes, 400 MB/s, the whole recording visible on `pixels` columns.
-measurement::throughput::Settings settingsFor(const Recording &recording, const Regime &regime, int pixels,
-                                              bool resetBufferLevel);
+measurement::throughput::Settings settingsFor(const measurement::throughput::FrameSource &recording,
+                                              const Regime &regime, int pixels, bool resetBufferLevel);
 
 } // namespace reference

@@ -18,6 +18,7 @@ public:
     {
         points.push_back({time, minSpeed, maxLevel});
     }
+    void restart() override { points.clear(); }
 
     std::vector<Point> points;
 };

@@ -140,7 +140,24 @@ RandomCase drawCase(const CaseFamily &family, std::mt19937_64 &random)
         settings.bufferSize = dice.oneOf<quint64>({0, 1, 32768, std::numeric_limits<quint64>::max()});
     }
     drawn.statisticsOnly = dice.hits(0.2);
-    if (dice.hits(0.2))
-        drawn.recording.prepareExtrema();
     return drawn;
+}
+
+void drawChange(RandomCase &drawn, const CaseFamily &family, std::mt19937_64 &random)
+{
+    Dice dice(random);
+    Settings &settings = drawn.settings;
+    if (dice.hits(0.7))
+        drawWindow(drawn, family, dice);
+    else // slides a little
+        settings.from = std::min(settings.from, Q_INT64_C(1) << 60) + dice.signedBetween(0, 3000);
+    if (dice.hits(0.2))
+        settings.requiredMBps = dice.oneOf<qint32>({-5, 0, 390, 400, 410, 800});
+    if (dice.hits(0.2))
+        settings.bufferSize = dice.oneOf<quint64>({0, 4096, 32768, 200000, Q_UINT64_C(1) << 40});
+    if (dice.hits(0.1))
+        settings.sampleInterval = dice.oneOf<quint32>({0, 1024, 4096, 4200});
+    if (dice.hits(0.2))
+        settings.resetBufferLevel = !settings.resetBufferLevel;
+    drawn.statisticsOnly = dice.hits(0.2);
 }

@@ -27,3 +27,6 @@ struct RandomCase
 };
 
 RandomCase drawCase(const CaseFamily &family, std::mt19937_64 &random);
+
+/// Another window, and perhaps other settings, over the same frames.
+void drawChange(RandomCase &drawn, const CaseFamily &family, std::mt19937_64 &random);

@@ -1,5 +1,6 @@
 #include "tests/measurement/model/RecordedLine.h"
 
+#include "bench/reference/RecordedEngine.h"
 #include "bench/reference/ThroughputReference.h"
 #include "measurement/ThroughputEngine.h"
 
@@ -9,24 +10,6 @@
 #include <bit>
 
 namespace {
-
-class LineFrames final : public measurement::throughput::FrameSource
-{
-public:
-    explicit LineFrames(const CxCameraLineData &line)
-        : m_line(line)
-    {
-    }
-    std::size_t size() const override { return static_cast<std::size_t>(m_line.frames.size()); }
-    measurement::throughput::Frame at(std::size_t index) const override
-    {
-        const CxCameraLineData::CxFrameData &frame = *m_line.frames[static_cast<int>(index)];
-        return {frame.cameraTimestamp, frame.samples, frame.sampleCount, frame.sampleSpan, nullptr};
-    }
-
-private:
-    const CxCameraLineData &m_line;
-};
 
 void compareDoubles(double actual, double expected)
 {
@@ -81,7 +64,7 @@ bool RecordedLine::evaluate(qint64 from, qint64 to, double msPerPixel, bool rese
     PointList expectedSink;
     reference::Buffers buffers;
     const bool expectedResult =
-        reference::evaluate(LineFrames(line), settings, buffers, &expectedSink, expected);
+        reference::evaluate(reference::EngineFrames(line), settings, buffers, &expectedSink, expected);
 
     PointList sink;
     const measurement::ThroughputWindow window = {from, to, TimestampOriginCamera, msPerPixel, reset};

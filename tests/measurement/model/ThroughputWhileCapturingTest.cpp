@@ -25,6 +25,7 @@ public:
         if (isFree(m_mutex))
             ++free;
     }
+    void restart() override {}
 
     int points = 0;
     int free = 0; ///< of the points, those at which the mutex was free
