@@ -23,11 +23,10 @@ struct ThroughputWindow
 /// \return whether at least one frame was processed; false during an export
 bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::PointSink *sink);
 
-/// Does some of the work that a pass over the same window would have to do first.
-/// The engine's results may be those of the window afterwards.
-/// \param slices at most so many holds of the engine's mutex, of a few
-/// milliseconds each
-/// \return whether none is left
-bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, int slices);
+/// Does some of the work that a pass over the same window would have to do
+/// first, with the engine's mutex held for a few milliseconds at a time. The
+/// engine's results are those of the window once none is left.
+/// \return whether no work is left
+bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::Work &work);
 
 } // namespace measurement

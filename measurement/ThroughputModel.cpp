@@ -47,9 +47,10 @@ FrameRange selectFrames(const FrameSource &frames, const Settings &settings)
 
 Outcome evaluate(const FrameSource &frames, const FrameRange &range, const Settings &settings,
                  const Scratch &scratch, PointSink *sink, Statistics &statistics, const Kernels &kernels,
-                 quint64 work)
+                 Work *work)
 {
-    return Pass(frames, range, settings, scratch, sink, statistics, kernels, work).run();
+    Work unlimited;
+    return Pass(frames, range, settings, scratch, sink, statistics, kernels, work ? *work : unlimited).run();
 }
 
 unsigned int frameSpeeds(const quint64 *stamps, quint64 count, quint32 sampleInterval, qint32 requiredMBps,

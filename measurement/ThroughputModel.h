@@ -97,7 +97,12 @@ enum class Outcome {
     Unfinished, ///< there was more work than allowed; the statistics mean nothing
 };
 
-constexpr quint64 unlimitedWork = std::numeric_limits<quint64>::max();
+/// Intervals that a pass has to look at because outlines do not tell of them.
+struct Work
+{
+    quint64 allowed = std::numeric_limits<quint64>::max();
+    quint64 done = 0; ///< more than allowed by up to a frame
+};
 
 /// Walks the selected frames. Every statistic and point has exactly the bits
 /// that evaluating each interval on its own in double precision gives.
@@ -107,12 +112,12 @@ constexpr quint64 unlimitedWork = std::numeric_limits<quint64>::max();
 /// \param sink null: statistics only
 /// \param statistics in and out: the average stays as it was when no frame takes part
 /// \param kernels inner loops; all sets give the same results
-/// \param work intervals that may be looked at for outlines. A pass that comes to
-/// the end of it has got further than the one before, as long as the frames are
-/// the same; after some more calls one gets through.
+/// \param work null: as much as it takes. A pass that comes to the end of what is
+/// allowed has got further than the one before, as long as the frames are the
+/// same; after some more calls one gets through.
 Outcome evaluate(const FrameSource &frames, const FrameRange &range, const Settings &settings,
                  const Scratch &scratch, PointSink *sink, Statistics &statistics,
-                 const Kernels &kernels = bestKernels(), quint64 work = unlimitedWork);
+                 const Kernels &kernels = bestKernels(), Work *work = nullptr);
 
 /// Speed, buffer change and end time of each interval of one frame; intervals
 /// between equal stamps are left out.

@@ -29,7 +29,7 @@ bool isPlain(qint64 time)
 
 Pass::Pass(const FrameSource &frames, const FrameRange &range, const Settings &settings,
            const Scratch &scratch, PointSink *sink, Statistics &statistics, const Kernels &kernels,
-           quint64 work)
+           Work &work)
     : m_frames(frames)
     , m_range(range)
     , m_settings(settings)
@@ -41,7 +41,7 @@ Pass::Pass(const FrameSource &frames, const FrameRange &range, const Settings &s
     , m_bufferSize(static_cast<double>(settings.bufferSize))
     , m_spacing(truncateSaturated(settings.msPerPixel * 1000.0))
     , m_plainWindow(isPlain(settings.from) && isPlain(settings.to) && isPlain(m_spacing))
-    , m_workAllowed(work)
+    , m_work(work)
 {
 }
 
@@ -53,7 +53,7 @@ Outcome Pass::run()
     m_statistics.minThroughput = std::numeric_limits<double>::max();
 
     for (std::size_t index = m_range.begin; index < m_range.end; ++index) {
-        if (m_work >= m_workAllowed)
+        if (m_work.done >= m_work.allowed)
             return Outcome::Unfinished;
         addNext(index);
     }
@@ -107,7 +107,7 @@ bool Pass::useOutline(const Frame &frame)
         return false;
     if (!frame.outline->describes(frame.stamps, frame.count)) {
         frame.outline->describe(frame.stamps, frame.count, nullptr, m_kernels);
-        m_work += frame.count;
+        m_work.done += frame.count;
     }
     return frame.outline->isPlain() && !isDense(frame);
 }
@@ -134,7 +134,7 @@ void Pass::followLevel(const Frame &frame, std::size_t index)
     if (!isFollowed(*frame.outline))
         guessLevels(index);
     const quint64 work = m_follower.follow(*frame.outline, m_level);
-    m_work += work;
+    m_work.done += work;
     if (m_guessed == 0)
         return;
     m_correction += work;
@@ -146,7 +146,10 @@ void Pass::followLevel(const Frame &frame, std::size_t index)
 /// followed yet, as if each started with an empty buffer.
 void Pass::guessLevels(std::size_t index)
 {
-    std::size_t most = std::min(laneCount, m_range.end - index);
+    // Of large frames, not so many that they are more work than allowed.
+    const quint64 length = m_frames.at(index).count;
+    const std::size_t affordable = std::max<quint64>(1, m_work.allowed / std::max<quint64>(1, length));
+    std::size_t most = std::min({laneCount, m_range.end - index, affordable});
     if (m_unguessed > 0 && !m_settings.resetBufferLevel) {
         --m_unguessed;
         most = 1;
@@ -155,15 +158,14 @@ void Pass::guessLevels(std::size_t index)
     std::size_t count = 0;
     for (; count < most; ++count) {
         const Frame frame = m_frames.at(index + count);
-        if ((count > 0 && frame.count != m_frames.at(index).count) || !useOutline(frame) ||
-            isFollowed(*frame.outline))
+        if (frame.count != length || !useOutline(frame) || isFollowed(*frame.outline))
             break;
         outlines[count] = frame.outline;
     }
     m_guessed = count;
     m_guessWork = m_follower.followEmpty(outlines, count);
     m_correction = 0;
-    m_work += m_guessWork;
+    m_work.done += m_guessWork;
 }
 
 } // namespace measurement::throughput

@@ -22,7 +22,7 @@ class Pass
 {
 public:
     Pass(const FrameSource &frames, const FrameRange &range, const Settings &settings, const Scratch &scratch,
-         PointSink *sink, Statistics &statistics, const Kernels &kernels, quint64 work);
+         PointSink *sink, Statistics &statistics, const Kernels &kernels, Work &work);
 
     Outcome run();
 
@@ -72,8 +72,7 @@ private:
     const qint64 m_spacing;   ///< microseconds that two points are further apart than
     const bool m_plainWindow; ///< no sum of its times can leave the range
 
-    quint64 m_work = 0; ///< intervals that outlines cost so far
-    const quint64 m_workAllowed;
+    Work &m_work;
     std::size_t m_guessed = 0;   ///< frames followed from a guess and not yet met
     quint64 m_guessWork = 0;     ///< intervals that guessing these cost
     quint64 m_correction = 0;    ///< intervals that correcting them cost

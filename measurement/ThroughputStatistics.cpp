@@ -90,7 +90,7 @@ bool provideScratch(CxCameraLineData &line, quint64 intervals)
 
 /// One pass with the mutex held, or as much of it as `work` allows.
 throughput::Outcome evaluateSlice(CxCameraLineData &line, const ThroughputWindow &window,
-                                  throughput::PointSink *sink, quint64 work, quint64 &intervals)
+                                  throughput::PointSink *sink, throughput::Work &work, quint64 &intervals)
 {
     const QMutexLocker locker(&line.mutex);
     if (line.frames.isEmpty())
@@ -111,7 +111,7 @@ throughput::Outcome evaluateSlice(CxCameraLineData &line, const ThroughputWindow
     throughput::Statistics statistics = {line.avgThroughput, line.minThroughput, line.maxBufferLevel,
                                          line.bufferOverflowCount};
     const throughput::Outcome outcome = throughput::evaluate(frames, range, settings, scratch, sink,
-                                                             statistics, throughput::bestKernels(), work);
+                                                             statistics, throughput::bestKernels(), &work);
     if (outcome == throughput::Outcome::Unfinished)
         return outcome;
     line.avgThroughput = statistics.avgThroughput;
@@ -133,11 +133,13 @@ bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, 
         // A level that meets neither end of the buffer has to be followed anew
         // through everything whenever the capture drops the oldest frame. It
         // must not go on for ever.
-        const quint64 work = done <= 2 * intervals ? sliceWork(intervals) : throughput::unlimitedWork;
+        throughput::Work work;
+        if (done <= 2 * intervals)
+            work.allowed = sliceWork(intervals);
         const throughput::Outcome outcome = evaluateSlice(line, window, sink, work, intervals);
         if (outcome != throughput::Outcome::Unfinished)
             return outcome == throughput::Outcome::Processed;
-        done += work;
+        done += work.done;
         if (sink)
             sink->restart();
         // A mutex that is taken again at once is not given to who waits for it.
@@ -145,15 +147,16 @@ bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, 
     }
 }
 
-bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, int slices)
+bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::Work &work)
 {
     if (line.isExporting())
         return true;
     quint64 intervals = 0;
-    for (int slice = 0; slice < slices; ++slice) {
-        if (evaluateSlice(line, window, nullptr, sliceWork(intervals), intervals) !=
-            throughput::Outcome::Unfinished)
+    while (work.done < work.allowed) {
+        throughput::Work slice = {std::min(sliceWork(intervals), work.allowed - work.done), 0};
+        if (evaluateSlice(line, window, nullptr, slice, intervals) != throughput::Outcome::Unfinished)
             return true;
+        work.done += slice.done;
         QThread::usleep(captureTurn);
     }
     return false;

@@ -63,17 +63,18 @@ Seen runReference(const RandomCase &drawn)
     return outcome;
 }
 
-/// \param work that one call may do; the calls go on until one gets through
-Seen runModel(const RandomCase &drawn, const Kernels &kernels, quint64 work = unlimitedWork)
+/// \param allowed work of one call; the calls go on until one gets through
+Seen runModel(const RandomCase &drawn, const Kernels &kernels, quint64 allowed = Work().allowed)
 {
     using Result = measurement::throughput::Outcome;
     const FrameRange range = selectFrames(drawn.recording, drawn.settings);
     ScratchArrays arrays(range.intervals);
     for (int call = 0; call < 100000; ++call) {
         Seen outcome;
+        Work work = {allowed, 0};
         const Result result =
             evaluate(drawn.recording, range, drawn.settings, arrays.scratch(),
-                     drawn.statisticsOnly ? nullptr : &outcome.sink, outcome.statistics, kernels, work);
+                     drawn.statisticsOnly ? nullptr : &outcome.sink, outcome.statistics, kernels, &work);
         outcome.processed = result == Result::Processed;
         if (result != Result::Unfinished)
             return outcome;
@@ -169,7 +170,7 @@ void ThroughputDifferentialTest::randomCases()
             if (change > 0)
                 drawChange(drawn, chosen, random);
             const Seen expected = runReference(drawn);
-            const quint64 work = number % 3 == 0 ? 1 + random() % 5000 : unlimitedWork;
+            const quint64 work = number % 3 == 0 ? 1 + random() % 5000 : Work().allowed;
             const QString text = difference(expected, runModel(drawn, kernels, work));
             QVERIFY2(
                 text.isEmpty(),
