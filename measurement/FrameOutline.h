@@ -26,6 +26,8 @@ struct BlockOutline
     Extrema extrema;   ///< of the intervals that are not empty; longest 0 where all are
     double startLevel; ///< bytes
     double peak;       ///< bytes, highest level before it is cut to the size
+    qint32 binade;     ///< of levels for which `hasTies` was found out, by its exponent; 0: none
+    bool hasTies;      ///< a sum may depend on whether the level is even, see LevelFollower
 };
 
 constexpr std::size_t blockCount(quint64 stamps)
@@ -80,6 +82,11 @@ public:
 
 private:
     friend class LevelFollower;
+    friend class OutlineBuilder;
+
+    void begin(const quint64 *stamps, quint64 count, BlockOutline *place);
+    void include(const Extrema &extrema);
+    void end();
 
     const quint64 *m_stamps = nullptr;
     quint64 m_count = 0;

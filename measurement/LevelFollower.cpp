@@ -1,6 +1,7 @@
 #include "measurement/LevelFollower.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace measurement::throughput {
@@ -13,6 +14,21 @@ constexpr double roundingSlack = 1.0 / (1 << 30);
 
 /// Equals no level.
 constexpr double unknownLevel = -1.0;
+
+/// What a binade is stored as, for 0 to mean none.
+constexpr int binadeOffset = 2000;
+
+/// Of a positive number: the power of two that is not above it.
+int exponentOf(double level)
+{
+    return static_cast<int>(std::bit_cast<quint64>(level) >> 52 & 0x7ff) - 1023;
+}
+
+/// Of two levels between the same powers of two: in units of their last place.
+bool areBothEvenOrOdd(double a, double b)
+{
+    return ((std::bit_cast<quint64>(a) ^ std::bit_cast<quint64>(b)) & 1) == 0;
+}
 
 /// As Kernels::scan(), but empty intervals change nothing and show no level.
 double scanClimbs(const quint64 *stamps, std::size_t count, const LevelRule &rule, double level, double &peak)
@@ -45,9 +61,11 @@ double LevelFollower::changeOver(quint64 interval) const
 }
 
 /// The change is monotone in the interval, even after rounding.
-double LevelFollower::largestChange(const Extrema &extrema) const
+LevelFollower::Changes LevelFollower::changesOver(const Extrema &extrema) const
 {
-    return std::max(changeOver(extrema.shortest), changeOver(extrema.longest));
+    const double first = changeOver(extrema.shortest);
+    const double second = changeOver(extrema.longest);
+    return {std::min(first, second), std::max(first, second)};
 }
 
 /// Forgets levels of another key.
@@ -55,7 +73,7 @@ double LevelFollower::largestChange(const Extrema &extrema) const
 bool LevelFollower::startAnew(FrameOutline &outline) const
 {
     outline.m_key = m_key;
-    outline.m_flat = largestChange(outline.m_extrema) <= 0.0;
+    outline.m_flat = changesOver(outline.m_extrema).largest <= 0.0;
     outline.m_startLevel = outline.m_flat ? 0.0 : unknownLevel;
     outline.m_endLevel = 0.0;
     outline.m_peak = 0.0;
@@ -71,6 +89,7 @@ void LevelFollower::enterLevels(FrameOutline &outline) const
     for (std::size_t block = 0; block < outline.m_blockCount; ++block) {
         outline.m_blocks[block].startLevel = level;
         outline.m_blocks[block].peak = 0.0;
+        outline.m_blocks[block].binade = 0;
     }
     outline.m_flat = false;
 }
@@ -86,19 +105,68 @@ quint64 LevelFollower::follow(FrameOutline &outline, double startLevel) const
     outline.m_startLevel = startLevel;
     double level = startLevel;
     std::size_t number = 0;
-    for (; number < outline.m_blockCount && outline.m_blocks[number].startLevel != level; ++number) {
-        BlockOutline &block = outline.m_blocks[number];
-        block.startLevel = level;
-        block.peak = 0.0;
-        level = advance(outline.blockStamps(number), outline.blockSize(number), block.extrema,
-                        outline.m_repeats, level, block.peak);
-    }
+    quint64 work = 0;
+    for (; number < outline.m_blockCount && outline.m_blocks[number].startLevel != level; ++number)
+        level = followBlock(outline, number, level, work);
     if (number == outline.m_blockCount)
         outline.m_endLevel = level;
     outline.m_peak = 0.0;
     for (std::size_t block = 0; block < outline.m_blockCount; ++block)
         outline.m_peak = std::max(outline.m_peak, outline.m_blocks[block].peak);
-    return std::min<quint64>(number * blockLength, outline.m_count - 1);
+    return work;
+}
+
+/// \param work raised by the intervals that are looked at
+/// \return the level behind the block
+double LevelFollower::followBlock(FrameOutline &outline, std::size_t number, double level,
+                                  quint64 &work) const
+{
+    BlockOutline &block = outline.m_blocks[number];
+    const std::size_t size = outline.blockSize(number);
+    const Changes changes = block.extrema.longest == 0 ? Changes{0.0, 0.0} : changesOver(block.extrema);
+    const double known = block.startLevel;
+    if (canShift(outline, number, changes, level, work)) {
+        const bool isLast = number + 1 == outline.m_blockCount;
+        const double knownEnd = isLast ? outline.m_endLevel : outline.m_blocks[number + 1].startLevel;
+        block.startLevel = level;
+        block.peak = level + (block.peak - known);
+        return level + (knownEnd - known);
+    }
+    work += size;
+    block.startLevel = level;
+    block.peak = 0.0;
+    if (block.extrema.longest == 0)
+        return level;
+    return advance(outline.blockStamps(number), size, changes, outline.m_repeats, level, block.peak);
+}
+
+/// Whether the levels in a block that starts at `level` are the known ones, all
+/// shifted by the same amount.
+bool LevelFollower::canShift(FrameOutline &outline, std::size_t number, const Changes &changes, double level,
+                             quint64 &work) const
+{
+    BlockOutline &block = outline.m_blocks[number];
+    const double known = block.startLevel;
+    if (exponentOf(known) != exponentOf(level) || !(known > 0.0) || !(level > 0.0))
+        return false;
+    const std::size_t size = outline.blockSize(number);
+    // At least twice, so that no change is as large as half the range.
+    const double reach = static_cast<double>(std::max<std::size_t>(size, 2)) * (1.0 + roundingSlack);
+    const double lowest =
+        std::min(known, level) * (1.0 - roundingSlack) + reach * std::min(changes.smallest, 0.0);
+    const double highest =
+        std::max(known, level) * (1.0 + roundingSlack) + reach * std::max(changes.largest, 0.0);
+    const double begin = std::ldexp(1.0, exponentOf(level));
+    if (!(lowest > begin && highest < 2.0 * begin && highest < m_rule.size))
+        return false;
+    if (areBothEvenOrOdd(known, level))
+        return true;
+    if (block.binade != exponentOf(level) + binadeOffset) {
+        work += size;
+        block.binade = exponentOf(level) + binadeOffset;
+        block.hasTies = m_kernels.hasTies(outline.blockStamps(number), size, m_rule, begin);
+    }
+    return !block.hasTies;
 }
 
 quint64 LevelFollower::followEmpty(const std::array<FrameOutline *, laneCount> &outlines,
@@ -130,7 +198,8 @@ quint64 LevelFollower::followLanes(const std::array<FrameOutline *, laneCount> &
             if (lane >= count)
                 continue;
             outline.m_blocks[number].startLevel = levels[lane];
-            moving += levels[lane] > 0.0 || largestChange(outline.m_blocks[number].extrema) > 0.0;
+            outline.m_blocks[number].binade = 0;
+            moving += levels[lane] > 0.0 || changesOver(outline.m_blocks[number].extrema).largest > 0.0;
         }
         const std::size_t size = lanes[0]->blockSize(number);
         if (moving >= m_kernels.fewestLanes) {
@@ -153,12 +222,13 @@ quint64 LevelFollower::followLanes(const std::array<FrameOutline *, laneCount> &
 double LevelFollower::advance(const quint64 *stamps, std::size_t count, const Extrema &extrema, bool repeats,
                               double level, double &peak) const
 {
-    if (extrema.longest == 0)
-        return level;
-    const double first = changeOver(extrema.shortest);
-    const double second = changeOver(extrema.longest);
-    const double smallest = std::min(first, second);
-    const double largest = std::max(first, second);
+    return extrema.longest == 0 ? level : advance(stamps, count, changesOver(extrema), repeats, level, peak);
+}
+
+double LevelFollower::advance(const quint64 *stamps, std::size_t count, const Changes &changes, bool repeats,
+                              double level, double &peak) const
+{
+    const auto [smallest, largest] = changes;
     if (level == 0.0 && largest <= 0.0)
         return level;
     if (level == m_rule.size && smallest >= 0.0) {

@@ -16,6 +16,15 @@ namespace measurement::throughput {
 /// as it was. That comes about whenever the level meets an end of the buffer,
 /// since two levels that differ are the same from the first time the lower one
 /// is cut to the size or the higher one to 0.
+///
+/// Until then, large levels are only shifted against the known ones. Levels
+/// between two powers of two are multiples of one unit, and adding a change
+/// rounds to such a multiple. So where neither the old nor the new levels of a
+/// block leave that range or meet an end of the buffer, they differ by the same
+/// multiple throughout, and the new ones follow from the old without a look at
+/// the stamps. The exception is a change that ends just between two multiples: it
+/// is rounded to the even one, which is the same only where the old and the new
+/// level are both even or both odd.
 class LevelFollower
 {
 public:
@@ -40,10 +49,23 @@ public:
 
     const LevelKey &key() const { return m_key; }
     const LevelRule &rule() const { return m_rule; }
+    const Kernels &kernels() const { return m_kernels; }
 
 private:
+    /// The least and the most that an interval changes the level, bytes.
+    struct Changes
+    {
+        double smallest;
+        double largest;
+    };
+
     double changeOver(quint64 interval) const;
-    double largestChange(const Extrema &extrema) const;
+    Changes changesOver(const Extrema &extrema) const;
+    double followBlock(FrameOutline &outline, std::size_t number, double level, quint64 &work) const;
+    bool canShift(FrameOutline &outline, std::size_t number, const Changes &changes, double level,
+                  quint64 &work) const;
+    double advance(const quint64 *stamps, std::size_t count, const Changes &changes, bool repeats,
+                   double level, double &peak) const;
     bool startAnew(FrameOutline &outline) const;
     void enterLevels(FrameOutline &outline) const;
     quint64 followLanes(const std::array<FrameOutline *, laneCount> &lanes, std::size_t count) const;

@@ -87,11 +87,24 @@ void scanLanes(const Stamp *const *stamps, std::size_t count, const LevelRule &r
     }
 }
 
+bool hasTies(const Stamp *stamps, std::size_t count, const LevelRule &rule, double binade)
+{
+    const double half = binade * 0x1p-53; // of the unit
+    const double rounder = 1.5 * binade;
+    bool found = false;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double change = levelChange(stamps[i + 1] - stamps[i], rule);
+        const double rest = change - ((change + rounder) - rounder);
+        found |= rest == half || rest == -half;
+    }
+    return found;
+}
+
 } // namespace
 
 const Kernels &portableKernels()
 {
-    static constexpr Kernels kernels = {extrema, scan, scanLanes, 6};
+    static constexpr Kernels kernels = {extrema, scan, scanLanes, hasTies, 6};
     return kernels;
 }
 

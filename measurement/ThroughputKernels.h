@@ -62,6 +62,13 @@ struct Kernels
     void (*scanLanes)(const unsigned long long *const *stamps, std::size_t count, const LevelRule &rule,
                       double *levels, double *peaks);
 
+    /// Whether one of the changes of `count` intervals lies just between two
+    /// multiples of the unit in the last place of numbers from `binade`, a power
+    /// of two, to twice that. No interval is longer than longestPlainInterval, no
+    /// change as large as half of `binade`.
+    bool (*hasTies)(const unsigned long long *stamps, std::size_t count, const LevelRule &rule,
+                    double binade);
+
     /// From this many frames on scanLanes() is faster than one scan() each.
     std::size_t fewestLanes;
 };

@@ -188,11 +188,31 @@ VELMORA_AVX2 void scanLanes(const Stamp *const *stamps, std::size_t count, const
             portableKernels().scan(stamps[lane] + i, count - i, rule, neverFree, levels[lane], peaks[lane]);
 }
 
+VELMORA_AVX2 bool hasTies(const Stamp *stamps, std::size_t count, const LevelRule &rule, double binade)
+{
+    const __m256d required = _mm256_set1_pd(rule.required);
+    const __m256d interval = _mm256_set1_pd(rule.interval);
+    const __m256d rounder = _mm256_set1_pd(1.5 * binade);
+    const __m256d half = _mm256_set1_pd(binade * 0x1p-53);
+    const __m256d sign = _mm256_set1_pd(-0.0);
+    __m256d found = _mm256_setzero_pd();
+    std::size_t i = 0;
+    for (; i + 4 <= count; i += 4) {
+        const __m256d change = levelChanges(stamps + i, required, interval);
+        const __m256d rounded = _mm256_sub_pd(_mm256_add_pd(change, rounder), rounder);
+        const __m256d rest = _mm256_andnot_pd(sign, _mm256_sub_pd(change, rounded));
+        found = _mm256_or_pd(found, _mm256_cmp_pd(rest, half, _CMP_EQ_OQ));
+    }
+    if (_mm256_movemask_pd(found) != 0)
+        return true;
+    return i < count && portableKernels().hasTies(stamps + i, count - i, rule, binade);
+}
+
 } // namespace
 
 const Kernels *avx2Kernels()
 {
-    static constexpr Kernels kernels = {extrema, scan, scanLanes, 3};
+    static constexpr Kernels kernels = {extrema, scan, scanLanes, hasTies, 3};
     static const bool usable = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
     return usable ? &kernels : nullptr;
 }

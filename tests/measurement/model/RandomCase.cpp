@@ -45,7 +45,7 @@ quint64 drawInterval(const CaseFamily &family, Dice &dice)
                                     (Q_UINT64_C(1) << 53) + 1, Q_UINT64_C(1) << 62, Q_UINT64_C(1) << 63});
     if (dice.hits(family.stalls))
         return dice.between(10000, 400000);
-    return dice.between(family.shortest, family.longest);
+    return dice.between(family.shortest / family.grain, family.longest / family.grain) * family.grain;
 }
 
 quint64 drawCount(Dice &dice)
@@ -130,8 +130,10 @@ RandomCase drawCase(const CaseFamily &family, std::mt19937_64 &random)
     drawWindow(drawn, family, dice);
     Settings &settings = drawn.settings;
     settings.sampleInterval = 4096;
-    settings.requiredMBps = 400;
+    settings.requiredMBps = family.requiredMBps;
     settings.bufferSize = dice.oneOf<quint64>({0, 4096, 32768, 200000, Q_UINT64_C(1) << 40});
+    if (family.largeBuffer)
+        settings.bufferSize = Q_UINT64_C(1) << 62;
     settings.resetBufferLevel = dice.hits(0.4);
     if (family.strangeNumbers) {
         settings.sampleInterval =
@@ -151,9 +153,9 @@ void drawChange(RandomCase &drawn, const CaseFamily &family, std::mt19937_64 &ra
         drawWindow(drawn, family, dice);
     else // slides a little
         settings.from = std::min(settings.from, Q_INT64_C(1) << 60) + dice.signedBetween(0, 3000);
-    if (dice.hits(0.2))
+    if (dice.hits(family.largeBuffer ? 0.02 : 0.2))
         settings.requiredMBps = dice.oneOf<qint32>({-5, 0, 390, 400, 410, 800});
-    if (dice.hits(0.2))
+    if (dice.hits(family.largeBuffer ? 0.02 : 0.2))
         settings.bufferSize = dice.oneOf<quint64>({0, 4096, 32768, 200000, Q_UINT64_C(1) << 40});
     if (dice.hits(0.1))
         settings.sampleInterval = dice.oneOf<quint32>({0, 1024, 4096, 4200});

@@ -10,7 +10,10 @@ struct CaseFamily
     const char *name;
     quint64 shortest = 2000; ///< ordinary interval
     quint64 longest = 3000;
-    double stalls = 0.0; ///< shares of the intervals that are something else
+    quint64 grain = 1; ///< all of these are multiples of it
+    qint32 requiredMBps = 400;
+    bool largeBuffer = false; ///< so large that nothing fills it
+    double stalls = 0.0;      ///< shares of the intervals that are something else
     double repeats = 0.0;
     double backward = 0.0;
     double huge = 0.0;

@@ -22,6 +22,14 @@ const std::vector<CaseFamily> &families()
         all.push_back({.name = "wide jitter", .shortest = 100, .longest = 5020});
         all.push_back({.name = "stalls", .shortest = 2300, .longest = 2400, .stalls = 0.02});
         all.push_back({.name = "far too slow", .shortest = 3000, .longest = 9000});
+        all.push_back({.name = "climbing far", .requiredMBps = 800, .largeBuffer = true});
+        // Half bytes at levels whose unit is a byte or two.
+        all.push_back({.name = "climbing to where halves are rounded",
+                       .shortest = 1 << 17,
+                       .longest = 1 << 20,
+                       .grain = 125,
+                       .requiredMBps = std::numeric_limits<qint32>::max(),
+                       .largeBuffer = true});
         all.push_back({.name = "equal stamps", .repeats = 0.01});
         all.push_back({.name = "backward stamps", .stalls = 0.01, .backward = 0.002});
         all.push_back({.name = "huge gaps", .huge = 0.002});
