@@ -17,8 +17,8 @@ constexpr qint64 plainTime = Q_INT64_C(1) << 60;
 constexpr std::size_t framesUnguessed = 64;
 
 /// Intervals between two points below which a frame is evaluated interval by
-/// interval: two binary searches and short scans a point cost as much.
-constexpr double fewestIntervals = 16.0;
+/// interval: a bisection and two short scans a point cost as much as two to four.
+constexpr double fewestIntervals = 4.0;
 
 bool isPlain(qint64 time)
 {
