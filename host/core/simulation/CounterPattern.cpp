@@ -1,5 +1,7 @@
 #include "host/core/simulation/CounterPattern.h"
 
+#include "host/core/simulation/StampFill.h"
+
 #include <algorithm>
 
 namespace host {
@@ -22,30 +24,26 @@ struct Run
     std::int64_t rate;
 };
 
-void fillChunk(std::uint64_t *words, std::size_t count, std::uint64_t base, std::uint64_t time,
-               std::uint64_t step)
+/// part / whole in units of 2^-32, rounded down; part < whole.
+std::uint64_t fraction(std::uint64_t part, std::uint64_t whole)
 {
-    // 32.32 fixed point: additions and shifts only, so that it vectorises.
-    for (std::size_t i = 0; i < count; ++i) {
-        words[i] = base + (time >> 32);
-        time += step;
-    }
+    if (part >> 32 == 0)
+        return (part << 32) / whole;
+    return static_cast<std::uint64_t>((static_cast<WideAmount>(part) << 32) / static_cast<WideAmount>(whole));
 }
 
 void fillRun(std::span<std::uint64_t> words, const Run &run)
 {
+    static const StampFill fill = bestStampFill();
     const auto rate = static_cast<std::uint64_t>(run.rate);
     const std::uint64_t step = (static_cast<std::uint64_t>(AmountPerWord) << 32) / rate;
     // A chunk's time must not leave 64 bits at the slowest rates.
     const std::size_t chunk = std::clamp<std::size_t>((std::uint64_t{1} << 63) / (step + 1), 1, ChunkWords);
     auto sent = static_cast<std::uint64_t>(run.first);
     for (std::size_t done = 0; done < words.size(); done += chunk) {
-        const std::uint64_t whole = sent / rate;
-        const auto fraction = static_cast<std::uint64_t>((static_cast<WideAmount>(sent % rate) << 32) /
-                                                         static_cast<WideAmount>(rate));
         const std::size_t count = std::min(chunk, words.size() - done);
-        fillChunk(words.data() + done, count, static_cast<std::uint64_t>(run.base) + whole,
-                  fraction + (count > 1 ? ChunkBias : 0), step);
+        const std::uint64_t time = fraction(sent % rate, rate) + (count > 1 ? ChunkBias : 0);
+        fill(words.data() + done, count, {static_cast<std::uint64_t>(run.base) + sent / rate, time, step});
         sent += static_cast<std::uint64_t>(AmountPerWord) * count;
     }
 }
@@ -63,10 +61,9 @@ void fillCounterPattern(std::span<std::uint64_t> words, std::int64_t bytes, cons
         const LinkModel::Segment segment = link.segmentFrom(t);
         const WideAmount carried = static_cast<WideAmount>(segment.rate) * (segment.end - t);
         if (carried >= next) {
-            const auto fitting = static_cast<WideAmount>(1) + (carried - next) / AmountPerWord;
-            const std::size_t left = fullWords - done;
-            const std::size_t count =
-                fitting < static_cast<WideAmount>(left) ? static_cast<std::size_t>(fitting) : left;
+            const Amount all = next + AmountPerWord * static_cast<Amount>(fullWords - done - 1);
+            const Amount sent = carried < all ? static_cast<Amount>(carried) : all;
+            const auto count = 1 + static_cast<std::size_t>((sent - next) / AmountPerWord);
             fillRun(words.subspan(done, count), {clockOffset + t, next, segment.rate});
             done += count;
             next += AmountPerWord * static_cast<Amount>(count);

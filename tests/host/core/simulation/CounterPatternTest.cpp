@@ -51,6 +51,7 @@ private Q_SLOTS:
     void halfRate();
     void leadAndOffset();
     void partialLastWord();
+    void singleWordIsExact();
     void equalsTheDefinition_data();
     void equalsTheDefinition();
     void longFrameStaysExact_data();
@@ -122,6 +123,14 @@ void CounterPatternTest::partialLastWord()
     CameraSettings settings = link(400.0);
     settings.stalls = {{11, 0, 100, 1.0}};
     QCOMPARE(fill(LinkModel(settings, 1, 0), 20).back(), std::uint64_t{112});
+}
+
+/// Only words that follow another one may be early.
+void CounterPatternTest::singleWordIsExact()
+{
+    const LinkModel model(link(666.666667), 1, 0); // 3 - 1.5e-9 ticks a word
+    QCOMPARE(fill(model, 8).front(), std::uint64_t{2});
+    QCOMPARE(fill(model, 16).front(), std::uint64_t{3});
 }
 
 void CounterPatternTest::equalsTheDefinition_data()
