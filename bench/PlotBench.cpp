@@ -1,6 +1,5 @@
-#include "bench/reference/Recordings.h"
+#include "bench/reference/RecordedEngine.h"
 #include "bench/reference/ThroughputReference.h"
-#include "measurement/CameraLineData.h"
 #include "ui/BufferLevelGraph.h"
 
 #include <benchmark/benchmark.h>
@@ -91,26 +90,6 @@ const reference::Recording &recording()
     return made;
 }
 
-/// An engine with the recording as its records.
-void fill(CxCameraLineData &line)
-{
-    const reference::Recording &source = recording();
-    line.sampleInterval = 4096;
-    line.avgTransportSpeedMBps = 400;
-    line.internalBuffSize = jitter().bufferSize / 64;
-    for (std::size_t i = 0; i < source.size(); ++i) {
-        const measurement::throughput::Frame from = source.at(i);
-        auto *frame = new CxCameraLineData::CxFrameData;
-        frame->cameraTimestamp = from.timestamp;
-        frame->computerTimestamp = from.timestamp;
-        frame->samples = new quint64[from.count];
-        std::copy(from.stamps, from.stamps + from.count, frame->samples);
-        frame->sampleCount = from.count;
-        frame->sampleSpan = from.span;
-        line.frames.append(frame);
-    }
-}
-
 /// What a tick of the window does for four cameras: graphs made anew, filled
 /// from the records, drawn.
 void refresh(benchmark::State &state)
@@ -119,7 +98,7 @@ void refresh(benchmark::State &state)
         reference::settingsFor(recording(), jitter(), width, false);
     std::array<CxCameraLineData, cameras> lines;
     for (CxCameraLineData &line : lines)
-        fill(line);
+        reference::fillEngine(line, recording(), jitter().bufferSize / 64);
     Plots plots;
     const QCPRange range(-seconds, 0.0);
     for ([[maybe_unused]] auto iteration : state) {

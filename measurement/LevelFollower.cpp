@@ -123,7 +123,12 @@ double LevelFollower::followBlock(FrameOutline &outline, std::size_t number, dou
 {
     BlockOutline &block = outline.m_blocks[number];
     const std::size_t size = outline.blockSize(number);
-    const Changes changes = block.extrema.longest == 0 ? Changes{0.0, 0.0} : changesOver(block.extrema);
+    if (block.extrema.longest == 0) {
+        block.startLevel = level;
+        block.peak = 0.0; // not even the start level counts
+        return level;
+    }
+    const Changes changes = changesOver(block.extrema);
     const double known = block.startLevel;
     if (canShift(outline, number, changes, level, work)) {
         const bool isLast = number + 1 == outline.m_blockCount;
@@ -135,8 +140,6 @@ double LevelFollower::followBlock(FrameOutline &outline, std::size_t number, dou
     work += size;
     block.startLevel = level;
     block.peak = 0.0;
-    if (block.extrema.longest == 0)
-        return level;
     return advance(outline.blockStamps(number), size, changes, outline.m_repeats, level, block.peak);
 }
 

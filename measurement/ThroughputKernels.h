@@ -65,7 +65,7 @@ struct Kernels
     /// Whether one of the changes of `count` intervals lies just between two
     /// multiples of the unit in the last place of numbers from `binade`, a power
     /// of two, to twice that. No interval is longer than longestPlainInterval, no
-    /// change as large as half of `binade`.
+    /// change as large as half of `binade`; empty intervals may make it a yes too many.
     bool (*hasTies)(const unsigned long long *stamps, std::size_t count, const LevelRule &rule,
                     double binade);
 

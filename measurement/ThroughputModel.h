@@ -101,7 +101,8 @@ enum class Outcome {
 struct Work
 {
     quint64 allowed = std::numeric_limits<quint64>::max();
-    quint64 done = 0; ///< more than allowed by up to a frame
+    quint64 done = 0;     ///< more than allowed by up to a frame of its own and one of guesses
+    quint64 repeated = 0; ///< intervals that every pass has to look at, not counted as done
 };
 
 /// Walks the selected frames. Every statistic and point has exactly the bits

@@ -75,6 +75,7 @@ void Pass::addNext(std::size_t index)
         addOutlined(frame);
         m_level = frame.outline->endLevel();
     } else {
+        m_work.repeated += frame.count;
         addSingly(frame);
     }
     countFrame(frame);

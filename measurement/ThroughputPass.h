@@ -16,8 +16,9 @@ namespace measurement::throughput {
 /// and correct rounding keeps both orders, so the longest interval gives the
 /// lowest speed. Likewise the highest level in bytes gives the highest in percent.
 ///
-/// Frames without outline, those whose stamps step back and those with so many
-/// points that an outline saves nothing are evaluated interval by interval.
+/// Frames without outline, those whose stamps step back or are all the same, those
+/// at times near the ends of the range and those with so many points that an
+/// outline saves nothing are evaluated interval by interval.
 class Pass
 {
 public:

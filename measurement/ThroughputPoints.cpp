@@ -58,8 +58,10 @@ void Pass::addOutlined(const Frame &frame)
     const FrameOutline &outline = *frame.outline;
     m_lastTime = frame.timestamp + outline.lastTime();
     if (m_first) {
-        const quint64 *const next = std::upper_bound(frame.stamps, frame.stamps + frame.count, *frame.stamps);
-        m_lastPoint = frame.timestamp + static_cast<qint64>((*next - *frame.stamps) / 250) - m_settings.to;
+        const quint64 origin = *frame.stamps;
+        const quint64 *const next = std::partition_point(frame.stamps, frame.stamps + frame.count,
+                                                         [=](quint64 stamp) { return stamp == origin; });
+        m_lastPoint = frame.timestamp + static_cast<qint64>((*next - origin) / 250) - m_settings.to;
         m_first = false;
     }
     m_longest = std::max<quint64>(m_longest, outline.extrema().longest);

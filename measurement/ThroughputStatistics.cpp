@@ -15,7 +15,7 @@ namespace {
 class RecordedFrames final : public throughput::FrameSource
 {
 public:
-    RecordedFrames(const QList<CxCameraLineData::CxFrameData *> &records, ExTimestampOrigin origin)
+    RecordedFrames(const RecordList<CxCameraLineData::CxFrameData> &records, ExTimestampOrigin origin)
         : m_records(records)
         , m_origin(origin)
     {
@@ -45,7 +45,7 @@ private:
             __builtin_prefetch(bytes + offset);
     }
 
-    const QList<CxCameraLineData::CxFrameData *> &m_records;
+    const RecordList<CxCameraLineData::CxFrameData> &m_records;
     const ExTimestampOrigin m_origin;
 };
 
@@ -65,12 +65,13 @@ throughput::Settings settingsOf(const CxCameraLineData &line, const ThroughputWi
 
 /// Intervals that are looked at in one hold of the mutex: some milliseconds of
 /// work, for which a camera's driver has buffers. Each hold also walks over the
-/// frames that need no work any more, so a long recording gets fewer of them.
-quint64 sliceWork(quint64 intervals)
+/// frames that need no work any more, so a long recording gets fewer of them; and
+/// fewer still where that walk looks at intervals itself.
+quint64 sliceWork(quint64 intervals, quint64 repeated)
 {
     constexpr quint64 least = Q_UINT64_C(1) << 20;
     constexpr quint64 most = Q_UINT64_C(1) << 22;
-    return std::min(std::max(intervals / 64, least), most);
+    return std::max(std::min(std::max(intervals / 64, least), most), 2 * repeated);
 }
 
 /// Microseconds in which a waiting capture can take the mutex.
@@ -129,17 +130,19 @@ bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, 
         return false;
     quint64 intervals = 0;
     quint64 done = 0;
+    quint64 repeated = 0;
     for (;;) {
         // A level that meets neither end of the buffer has to be followed anew
         // through everything whenever the capture drops the oldest frame. It
         // must not go on for ever.
         throughput::Work work;
         if (done <= 2 * intervals)
-            work.allowed = sliceWork(intervals);
+            work.allowed = sliceWork(intervals, repeated);
         const throughput::Outcome outcome = evaluateSlice(line, window, sink, work, intervals);
         if (outcome != throughput::Outcome::Unfinished)
             return outcome == throughput::Outcome::Processed;
         done += work.done;
+        repeated = work.repeated;
         if (sink)
             sink->restart();
         // A mutex that is taken again at once is not given to who waits for it.
@@ -152,11 +155,14 @@ bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, t
     if (line.isExporting())
         return true;
     quint64 intervals = 0;
+    quint64 repeated = 0;
     while (work.done < work.allowed) {
-        throughput::Work slice = {std::min(sliceWork(intervals), work.allowed - work.done), 0};
+        throughput::Work slice;
+        slice.allowed = std::max(std::min(sliceWork(intervals, 0), work.allowed - work.done), 2 * repeated);
         if (evaluateSlice(line, window, nullptr, slice, intervals) != throughput::Outcome::Unfinished)
             return true;
-        work.done += slice.done;
+        work.done += slice.done + slice.repeated;
+        repeated = slice.repeated;
         QThread::usleep(captureTurn);
     }
     return false;

@@ -10,6 +10,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 namespace Ui {
 class CxDataGraphForm;
@@ -172,6 +173,14 @@ private:
     /// Gives the view to the plots.
     void setTimeAxes();
 
+    enum class Refresh { Statistics, Graphs };
+    /// Whether a refresh of the cameras can be completed without a delay. Does a
+    /// piece of the work that it needs first; where some is left, the refresh is
+    /// called again when the events are done.
+    bool isPrepared(const QList<void *> &cameras, Refresh refresh);
+    void continueRefresh(Refresh refresh);
+    QList<void *> plottedCameras();
+
     /// The visible axes of a camera that is to be plotted, or null.
     QCPAxisRect *plottedArea(void *hCam);
     double millisecondsPerPixel(const QCPRange &range) const;
@@ -194,6 +203,8 @@ private:
     QTimer m_timer;
     double m_timeRangeLower = -20.0; ///< seconds from m_timeOrigin
     double m_timeRangeUpper = 0.0;
-    qint64 m_timeOrigin = 0; ///< microseconds of the day; stands still while nothing measures
-    QMutex m_mutex;          ///< held for a whole refresh and a change of the plotted cameras
+    qint64 m_timeOrigin = 0;                 ///< microseconds of the day; stands still while nothing measures
+    int m_pieces = 0;                        ///< done so far of what a refresh needs
+    std::optional<Refresh> m_pendingRefresh; ///< to be called again when the events are done
+    QMutex m_mutex;                          ///< held for a whole refresh and a change of the plotted cameras
 };

@@ -10,6 +10,7 @@
 #include <QMutexLocker>
 
 #include <algorithm>
+#include <iterator>
 
 void CxDataGraphForm::timerSignal()
 {
@@ -44,6 +45,8 @@ void CxDataGraphForm::updateGraph()
         return;
     const QMutexLocker locker(&m_mutex);
     followTime();
+    if (!isPrepared(plottedCameras(), Refresh::Graphs))
+        return;
     ui->plot->clearGraphs();
     switch (m_measureMode) {
     case MeasureModeThroughput:
@@ -56,6 +59,17 @@ void CxDataGraphForm::updateGraph()
         cxLogFailure("CxDataGraphForm::updateGraph", "Unknown measurement mode is selected");
         break;
     }
+}
+
+QList<void *> CxDataGraphForm::plottedCameras()
+{
+    QList<void *> cameras;
+    const QList<void *> known = m_cameraLines.keys();
+    for (void *hCam : known) {
+        if (plottedArea(hCam))
+            cameras.append(hCam);
+    }
+    return cameras;
 }
 
 QCPAxisRect *CxDataGraphForm::plottedArea(void *hCam)
@@ -71,12 +85,17 @@ double CxDataGraphForm::millisecondsPerPixel(const QCPRange &range) const
 
 void CxDataGraphForm::updateStats()
 {
+    if (CxExportGate::isClosed())
+        return;
     followTime();
+    QList<void *> measuring;
     const QList<void *> cameras = m_cameraLines.keys();
-    for (void *hCam : cameras) {
+    std::copy_if(cameras.cbegin(), cameras.cend(), std::back_inserter(measuring),
+                 [this](void *hCam) { return m_cameraLines.value(hCam)->isMeasurementRunning(); });
+    if (!isPrepared(measuring, Refresh::Statistics))
+        return;
+    for (void *hCam : measuring) {
         CxCameraLineData *line = m_cameraLines.value(hCam);
-        if (!line->isMeasurementRunning())
-            continue;
         if (m_measureMode == MeasureModeThroughput) {
             qint64 from = 0;
             qint64 to = 0;

@@ -28,4 +28,8 @@ private:
 void fillEngine(CxCameraLineData &line, const Regime &regime, std::size_t frames, std::size_t stampsPerFrame,
                 bool captured = true);
 
+/// The same with a recording's frames, which may serve several engines.
+/// \param bufferSize bytes
+void fillEngine(CxCameraLineData &line, const Recording &recording, quint64 bufferSize);
+
 } // namespace reference

@@ -105,9 +105,13 @@ private Q_SLOTS:
     void samePicture_data();
     void samePicture();
     void sameZoomedPicture();
+    void sameWithTheBaseFarOff();
+    void sameFinePicture();
+    void fillStaysFineInADrag();
+    void plotWithoutAntialiasing();
     void fillsTheAreaOnce();
     void belongsToThePlot();
-    void noBrushNoFill();
+    void sameBrushes();
     void sameVectorDrawing();
 };
 
@@ -119,6 +123,7 @@ void BufferLevelGraphTest::samePicture_data()
     QTest::newRow("no point") << Points{} << false << 0;
     QTest::newRow("one point") << Points{{-10, 50}} << false << 0;
     QTest::newRow("two points") << Points{{-15, 80}, {-3, 20}} << true << 0;
+    QTest::newRow("a flat level") << Points{{-15.3, 40.7}, {-3.1, 40.7}} << true << 0;
     QTest::newRow("two points in one pixel") << Points{{-10, 10}, {-9.999, 90}} << true << 0;
     QTest::newRow("two points beyond both ends") << Points{{-90, 20}, {70, 60}} << true << 0;
     QTest::newRow("far beyond both ends") << Points{{-1e8, 40}, {1e8, 60}} << true << 0;
@@ -180,6 +185,68 @@ void BufferLevelGraphTest::sameZoomedPicture()
     }
 }
 
+void BufferLevelGraphTest::sameWithTheBaseFarOff()
+{
+    Points points = jagged(300);
+    for (QPointF &point : points)
+        point.ry() += 1e7;
+    auto expected = makePlot<QCPGraph>(points);
+    auto got = makePlot<BufferLevelGraph>(points);
+    for (const double distance : {1e7, 1e6, 1e4, 5e3}) {
+        for (QCustomPlot *plot : {expected.get(), got.get()})
+            plot->yAxis2->setRange(1e7 - distance, 1e7 + 100.0);
+        QVERIFY2(pictureOf(*got) == pictureOf(*expected), qPrintable(QString::number(distance)));
+    }
+    for (QCustomPlot *plot : {expected.get(), got.get()})
+        plot->yAxis2->setRange(1e7 - 10.0, 1e7 + 110.0);
+    QVERIFY(pictureOf(*got) == pictureOf(*expected));
+}
+
+/// On a screen with several device pixels to a pixel.
+void BufferLevelGraphTest::sameFinePicture()
+{
+    QImage pictures[2];
+    const std::unique_ptr<QCustomPlot> plots[] = {makePlot<QCPGraph>(jagged(300)),
+                                                  makePlot<BufferLevelGraph>(jagged(300))};
+    for (int i = 0; i < 2; ++i) {
+        plots[i]->resize(width, height);
+        plots[i]->setViewport(QRect(0, 0, width, height));
+        plots[i]->setBufferDevicePixelRatio(2.0);
+        plots[i]->replot();
+        QImage picture(2 * width, 2 * height, QImage::Format_ARGB32_Premultiplied);
+        picture.setDevicePixelRatio(2.0);
+        plots[i]->render(&picture);
+        pictures[i] = picture;
+    }
+    QVERIFY(pictures[0] == pictures[1]);
+}
+
+/// The plot switches all antialiasing off to be fast; this fill would be slower.
+void BufferLevelGraphTest::fillStaysFineInADrag()
+{
+    auto expected = makePlot<QCPGraph>(jagged(300));
+    auto got = makePlot<BufferLevelGraph>(jagged(300));
+    expected->setNotAntialiasedElements(QCP::aeAll);
+    expected->setNotAntialiasedElement(QCP::aeFills, false);
+    got->setNoAntialiasingOnDrag(true);
+    got->setNotAntialiasedElements(QCP::aeAll);
+    QVERIFY(pictureOf(*got) == pictureOf(*expected));
+}
+
+void BufferLevelGraphTest::plotWithoutAntialiasing()
+{
+    auto expected = makePlot<QCPGraph>(jagged(300));
+    auto got = makePlot<BufferLevelGraph>(jagged(300));
+    const QImage fine = pictureOf(*got);
+    for (const QCP::AntialiasedElements elements :
+         {QCP::AntialiasedElements(QCP::aeAll), QCP::AntialiasedElements(QCP::aeFills)}) {
+        expected->setNotAntialiasedElements(elements);
+        got->setNotAntialiasedElements(elements);
+        QVERIFY(pictureOf(*got) == pictureOf(*expected));
+        QVERIFY(pictureOf(*got) != fine);
+    }
+}
+
 /// Neither gaps nor overlaps of the strips: a flat level is one colour.
 void BufferLevelGraphTest::fillsTheAreaOnce()
 {
@@ -217,11 +284,12 @@ void BufferLevelGraphTest::belongsToThePlot()
     QVERIFY(graph.isNull());
 }
 
-void BufferLevelGraphTest::noBrushNoFill()
+void BufferLevelGraphTest::sameBrushes()
 {
     auto expected = makePlot<QCPGraph>(jagged(300));
     auto got = makePlot<BufferLevelGraph>(jagged(300));
-    for (const QBrush &brush : {QBrush(), QBrush(Qt::transparent), QBrush(Qt::red, Qt::Dense4Pattern)}) {
+    for (const QBrush &brush : {QBrush(), QBrush(Qt::transparent), QBrush(Qt::red, Qt::Dense4Pattern),
+                                QBrush(QLinearGradient(0, 0, 50, 0))}) {
         expected->graph(0)->setBrush(brush);
         got->graph(0)->setBrush(brush);
         QVERIFY(pictureOf(*got) == pictureOf(*expected));

@@ -22,7 +22,7 @@ public:
         return *m_owned.back();
     }
 
-    QList<CxCameraLineData::CxCounterData *> pointers;
+    measurement::RecordList<CxCameraLineData::CxCounterData> pointers;
 
 private:
     std::vector<std::unique_ptr<CxCameraLineData::CxCounterData>> m_owned;

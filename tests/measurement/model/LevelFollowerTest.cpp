@@ -73,6 +73,7 @@ struct Family
     double highest;
     double unit;        ///< of which the start levels are multiples; 0: none in particular
     bool saves = false; ///< whether most blocks can be told without a look at their stamps
+    quint64 stop = 1;   ///< most empty intervals in a row
 };
 
 constexpr quint64 huge = Q_UINT64_C(1) << 62;
@@ -82,6 +83,7 @@ const Family families[] = {
     {"falling", {4096, 350, huge}, 2560, 2700, 1, 0.0, 1e8, 1.3e8, 0.0, true},
     {"hovering", {4096, 400, huge}, 2060, 3060, 1, 0.0, 1e8, 1.3e8, 0.0, true},
     {"with repeats", {4096, 450, huge}, 2560, 2700, 1, 0.05, 1e8, 1.3e8, 0.0},
+    {"with long stops", {4096, 450, huge}, 2560, 2700, 1, 0.05, 1e8, 1.3e8, 0.0, false, 300},
     {"through a power of two", {4096, 450, huge}, 2560, 2700, 1, 0.0, 0x1p27 - 1e5, 0x1p27 + 1e4, 0.0},
     {"down through a power of two", {4096, 350, huge}, 2560, 2700, 1, 0.0, 0x1p27 - 1e4, 0x1p27 + 1e5, 0.0},
     {"into the end of the buffer", {4096, 450, 100000000}, 2560, 2700, 1, 0.0, 9.99e7, 1e8, 0.0},
@@ -140,8 +142,11 @@ void LevelFollowerTest::fromManyStarts()
         while (stamps.size() < count) {
             const quint64 steps = family.shortest / family.grain +
                                   random() % ((family.longest - family.shortest) / family.grain + 1);
-            const bool repeats = std::bernoulli_distribution(family.repeats)(random) && stamps.size() > 1;
-            stamps.push_back(stamps.back() + (repeats ? 0 : steps * family.grain));
+            if (std::bernoulli_distribution(family.repeats)(random) && stamps.size() > 1)
+                stamps.resize(std::min<std::size_t>(count, stamps.size() + 1 + random() % family.stop),
+                              stamps.back());
+            else
+                stamps.push_back(stamps.back() + steps * family.grain);
         }
         FrameOutline outline;
         outline.describe(stamps.data(), stamps.size(), nullptr, kernels);

@@ -68,14 +68,21 @@ void drawFrames(RandomCase &drawn, const CaseFamily &family, Dice &dice)
     const quint64 longestPause = dice.oneOf<quint64>({0, 3, 50, 2000, 100000});
     const bool aroundZero = dice.hits(0.1);
     quint64 now = aroundZero ? 0 : dice.between(1, Q_UINT64_C(86400000000) * 250);
+    // Where the counter starts, which may be shortly before it starts again.
+    const quint64 counter = dice.hits(0.05) ? 0 - now - dice.between(1, 3000000) : 0;
     qint64 shift = aroundZero ? -dice.signedBetween(0, 20000) : 0;
     for (quint64 frame = 0; frame < frames; ++frame) {
         std::vector<quint64> stamps(family.mixedLengths ? drawCount(dice) : commonCount);
+        quint64 stopped = 0; // intervals for which the counter stands still
         for (std::size_t i = 0; i < stamps.size(); ++i) {
-            now += i == 0 ? 0 : drawInterval(family, dice);
-            stamps[i] = now;
+            if (stopped == 0 && dice.hits(family.repeats / 20))
+                stopped = dice.between(1, 400);
+            now += i == 0 || stopped > 0 ? 0 : drawInterval(family, dice);
+            stopped -= stopped > 0;
+            stamps[i] = now + counter;
         }
-        qint64 timestamp = (stamps.empty() ? 0 : static_cast<qint64>(stamps.front() / 250)) + shift;
+        qint64 timestamp =
+            (stamps.empty() ? 0 : static_cast<qint64>((stamps.front() - counter) / 250)) + shift;
         if (family.disorder && dice.hits(0.3))
             timestamp += dice.signedBetween(-30000, 30000);
         // Ends exactly at 0, which reads as "nothing to drain from".

@@ -79,7 +79,8 @@ Seen runModel(const RandomCase &drawn, const Kernels &kernels, quint64 allowed =
     ScratchArrays arrays(range.intervals);
     for (int call = 0; call < 100000; ++call) {
         Seen outcome;
-        Work work = {allowed, 0};
+        Work work;
+        work.allowed = allowed;
         const Result result =
             evaluate(drawn.recording, range, drawn.settings, arrays.scratch(),
                      drawn.statisticsOnly ? nullptr : &outcome.sink, outcome.statistics, kernels, &work);
