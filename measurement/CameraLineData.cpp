@@ -30,6 +30,9 @@ void CxCameraLineData::CxFrameData::allocateSamples(quint64 count)
     static_assert(sizeof(BlockOutline) % sizeof(quint64) == 0 && alignof(BlockOutline) <= alignof(quint64));
     const std::size_t blockTotal = measurement::throughput::blockCount(count);
     delete[] samples;
+    samples = nullptr;
+    sampleCount = 0;
+    outline.describe(nullptr, 0);
     samples = new quint64[count + blockTotal * (sizeof(BlockOutline) / sizeof(quint64))];
     sampleCount = count;
     blocks = reinterpret_cast<BlockOutline *>(samples + count);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "measurement/FrameOutline.h"
+#include "measurement/RecordList.h"
 
 #include "zuCore/ZuApi.h"
 
@@ -184,7 +185,8 @@ public:
 
     /// Computes the four statistics below over the frames around [from, to] and,
     /// given a time axis, adds one point per pixel column to the graphs. Holds
-    /// `mutex` for the whole pass.
+    /// `mutex` for the whole pass; what has to be found out about many records
+    /// first is done in several holds, see ThroughputEngine.h.
     /// \param minThroughputGraph, bufferLevelGraph may each be null
     /// \param timeAxisRange seconds; its upper bound is added to every x value.
     /// Null: statistics only
@@ -246,9 +248,9 @@ public:
     QString cameraName;                   ///< for the user
     QElapsedTimer elapsedTimer;           ///< started with each measurement loop
 
-    QList<CxFrameData *> frames;         ///< owned, oldest first
-    QList<CxCounterData *> counterData;  ///< owned, oldest first
-    QList<CxCounterInfo *> counterInfos; ///< owned, fixed
+    measurement::RecordList<CxFrameData> frames;        ///< owned, oldest first
+    measurement::RecordList<CxCounterData> counterData; ///< owned, oldest first
+    QList<CxCounterInfo *> counterInfos;                ///< owned, fixed
 
     MeasureMode measureMode = MeasureModeThroughput;
     unsigned int sampleInterval = 4096; ///< bytes between two samples of a frame

@@ -64,7 +64,8 @@ template <typename Record> using Dropped = QVarLengthArray<Record *, 16>;
 
 /// Takes the oldest records until the list holds at most `capacity` + 1. A
 /// capacity below -1 empties the list.
-template <typename Record> void trim(QList<Record *> &records, qint64 capacity, Dropped<Record> &dropped)
+template <typename Record>
+void trim(measurement::RecordList<Record> &records, qint64 capacity, Dropped<Record> &dropped)
 {
     while (!records.isEmpty() && records.size() - 1 > capacity)
         dropped.append(records.takeFirst());
@@ -115,10 +116,10 @@ void CxCameraLineData::runMeasureLoopThrougput()
             continue;
         }
         std::unique_ptr<CxFrameData> frame = sampleFrame(image, interval);
-        frame->describeSamples(levelSettings);
         frame->computerTimestamp = clock.computerTimestamp();
         frame->frameNumber = image.frameNumber;
         frame->cameraTimestamp = clock.cameraTimestamp(image);
+        frame->describeSamples(levelSettings);
         const qint64 count = qint64(frame->sampleCount);
         statistics.add(double(frame->sampleSpan) / ticksPerMicrosecond);
 

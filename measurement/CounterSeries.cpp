@@ -23,7 +23,7 @@ qint64 marginOf(const Window &window)
 
 } // namespace
 
-void counterSeries(const QList<Record *> &records, const Window &window, CounterSink &sink)
+void counterSeries(const RecordList<Record> &records, const Window &window, CounterSink &sink)
 {
     const qint64 margin = marginOf(window);
     const qint64 earliest = subtractSaturated(window.from, margin);
@@ -48,7 +48,7 @@ void counterSeries(const QList<Record *> &records, const Window &window, Counter
     }
 }
 
-void frameRateSeries(const QList<Record *> &records, const Window &window, RateSink &sink)
+void frameRateSeries(const RecordList<Record> &records, const Window &window, RateSink &sink)
 {
     if (records.isEmpty())
         return;

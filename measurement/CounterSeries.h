@@ -36,11 +36,11 @@ public:
 /// width or ten mean intervals: at most one record per pixel column, the first
 /// after each step. The first record of all only starts the first step.
 /// \param records oldest first
-void counterSeries(const QList<Record *> &records, const Window &window, CounterSink &sink);
+void counterSeries(const RecordList<Record> &records, const Window &window, CounterSink &sink);
 
 /// The mean rate over each second, or the little more up to the next frame, of
 /// all records; a point lies at the end of its second.
 /// \param records oldest first
-void frameRateSeries(const QList<Record *> &records, const Window &window, RateSink &sink);
+void frameRateSeries(const RecordList<Record> &records, const Window &window, RateSink &sink);
 
 } // namespace measurement::counters

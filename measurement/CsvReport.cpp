@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 namespace measurement {
 
@@ -32,22 +33,27 @@ static_assert(sizeof(framesHeader) <= CsvFile::lineRoom && sizeof(countersHeader
 static_assert(9 * (csv::longestInteger + 1) + csv::textRoom <= CsvFile::lineRoom);
 
 /// A piece of text that many rows share, copied faster than it is formatted.
-class SharedText
+/// \tparam longest a multiple of 16 is copied fastest
+template <std::size_t longest> class SharedText
 {
 public:
-    char *begin() { return m_text; }
-    void setEnd(const char *end) { m_size = end - m_text; }
+    /// \param write called with a place for the text, returns its end
+    template <typename Write> void make(Write write)
+    {
+        char text[longest + csv::textRoom];
+        m_size = static_cast<quint32>(write(text) - text);
+        std::memcpy(m_text, text, m_size);
+    }
 
     char *write(char *to) const
     {
-        std::memcpy(to, m_text, sizeof(m_text)); // of constant size, so without a call
+        std::memcpy(to, m_text, longest); // of constant size, so without a call
         return to + m_size;
     }
 
 private:
-    static constexpr std::size_t longest = 2 * (csv::longestInteger + 1);
-    char m_text[longest + csv::textRoom] = {};
-    std::ptrdiff_t m_size = 0;
+    quint32 m_size = 0;
+    char m_text[longest] = {};
 };
 
 char *writeField(char *to, quint64 value)
@@ -71,6 +77,13 @@ char *writeField(char *to, double value)
     return to + 1;
 }
 
+char *writeField(char *to, const csv::DecimalCounter &value)
+{
+    to = value.write(to);
+    *to = ',';
+    return to + 1;
+}
+
 /// The last field becomes the end of the line.
 char *endLine(char *to)
 {
@@ -78,23 +91,61 @@ char *endLine(char *to)
     return to;
 }
 
-/// The two columns of a row that are the same throughout its frame.
-SharedText frameColumns(const CxFrameData &frame)
+/// The columns that are the same throughout a frame.
+using FrameColumns = SharedText<48>;
+static_assert(2 * (csv::longestInteger + 1) <= 48);
+
+FrameColumns columnsOf(const CxFrameData &frame)
 {
-    SharedText text;
-    text.setEnd(writeField(writeField(text.begin(), frame.frameNumber), frame.computerTimestamp));
-    return text;
+    FrameColumns columns;
+    columns.make([&frame](char *to) {
+        return writeField(writeField(to, frame.frameNumber), frame.computerTimestamp);
+    });
+    return columns;
 }
 
-SharedText requiredColumn(const CsvLink &link)
+/// The columns that grow from one sample of a frame to the next.
+class SampleColumns
 {
-    SharedText text;
-    text.setEnd(writeField(text.begin(), quint64(link.requiredMBps)));
-    return text;
-}
+public:
+    SampleColumns(quint64 start, quint32 sampleInterval)
+        : m_start(start)
+        , m_sampleInterval(sampleInterval)
+        , m_offsetStep(csv::DecimalCounter::stepOf(sampleInterval))
+    {
+    }
+
+    void set(quint64 index, quint64 stamp)
+    {
+        m_time.set((stamp - m_start) * 4);
+        m_offset.set(m_sampleInterval * index);
+        m_stamp.set(stamp * 4);
+    }
+
+    /// \param step of the nanoseconds since the sample before
+    void advance(quint64 index, quint64 stamp, csv::DecimalCounter::Step step)
+    {
+        if (!m_time.advance(step))
+            m_time.set((stamp - m_start) * 4);
+        if (!m_offset.advance(m_offsetStep))
+            m_offset.set(m_sampleInterval * index);
+        if (!m_stamp.advance(step))
+            m_stamp.set(stamp * 4);
+    }
+
+    char *write(char *to) const { return writeField(writeField(writeField(to, m_time), m_offset), m_stamp); }
+
+private:
+    const quint64 m_start;
+    const quint64 m_sampleInterval;
+    const csv::DecimalCounter::Step m_offsetStep;
+    csv::DecimalCounter m_time;   ///< nanoseconds since the start
+    csv::DecimalCounter m_offset; ///< bytes
+    csv::DecimalCounter m_stamp;  ///< nanoseconds
+};
 
 template <typename Record>
-int countRecords(const QList<Record *> &records, const CsvWindow &window, double statMin)
+int countRecords(const RecordList<Record> &records, const CsvWindow &window, double statMin)
 {
     const qint64 width = subtractSaturated(window.to, window.from);
     const qint64 margin = static_cast<double>(width) < statMin ? truncateSaturated(statMin) : width / 2;
@@ -113,14 +164,66 @@ int countRecords(const QList<Record *> &records, const CsvWindow &window, double
 
 } // namespace
 
+/// What depends on nothing but a sample's interval. A link repeats a few hundred
+/// different intervals, and finding one again takes a fraction of the time of two
+/// divisions and a text.
+class CsvReport::IntervalColumns
+{
+public:
+    struct alignas(64) Entry // one cache line
+    {
+        quint64 interval = 0;               ///< ticks of 4 ns
+        double change = 0.0;                ///< of the buffer level, bytes
+        csv::DecimalCounter::Step step = 0; ///< of the nanoseconds
+        SharedText<32> text;                ///< required and link throughput
+    };
+    static_assert(sizeof(Entry) == 64);
+    static_assert(sizeof("4294967295,") - 1 + csv::longestReal + 1 <= 32);
+
+    explicit IntervalColumns(const CsvLink &link)
+        : m_link(link)
+        , m_entries(count)
+    {
+        // In all other places of the table the interval 0 means none.
+        fill(m_entries[0], 0);
+    }
+
+    quint32 sampleInterval() const { return m_link.sampleInterval; }
+
+    const Entry &at(quint64 interval)
+    {
+        Entry &entry = m_entries[interval % count];
+        if (entry.interval != interval)
+            fill(entry, interval);
+        return entry;
+    }
+
+private:
+    /// Intervals within 4 microseconds of each other have different places.
+    static constexpr std::size_t count = 1024;
+
+    void fill(Entry &entry, quint64 interval) const
+    {
+        entry.interval = interval;
+        entry.step = csv::DecimalCounter::stepOf(interval * 4);
+        const double duration = static_cast<double>(interval) / 250.0; // microseconds
+        entry.change = duration * m_link.requiredMBps - m_link.sampleInterval;
+        entry.text.make([&](char *to) {
+            to = writeField(to, quint64(m_link.requiredMBps));
+            return interval == 0 ? to : writeField(to, m_link.sampleInterval / duration);
+        });
+    }
+
+    const CsvLink m_link;
+    std::vector<Entry> m_entries;
+};
+
 /// The camera's frame buffer while the link empties it.
 class CsvReport::BufferLevel
 {
 public:
-    BufferLevel(const CsvLink &link, bool reset)
-        : m_interval(link.sampleInterval)
-        , m_required(link.requiredMBps)
-        , m_size(static_cast<double>(link.bufferSize))
+    BufferLevel(quint64 bufferSize, bool reset)
+        : m_size(static_cast<double>(bufferSize))
         , m_reset(reset)
     {
     }
@@ -138,15 +241,7 @@ public:
         m_lastTime = 0;
     }
 
-    /// \param duration microseconds
-    void advance(double duration)
-    {
-        m_bytes += duration * m_required - m_interval;
-        if (m_bytes < 0.0)
-            m_bytes = 0.0;
-        else if (m_bytes > m_size)
-            m_bytes = m_size;
-    }
+    void change(double bytes) { m_bytes = std::min(std::max(m_bytes + bytes, 0.0), m_size); }
 
     void setLastTime(qint64 time) { m_lastTime = time; }
     void setRate(const CxFrameData &frame, quint32 sampleInterval)
@@ -159,8 +254,6 @@ public:
     double percent() const { return m_bytes / m_size * 100.0; }
 
 private:
-    const double m_interval;
-    const double m_required;
     const double m_size;
     const bool m_reset;
     double m_bytes = 0.0;
@@ -168,12 +261,12 @@ private:
     qint64 m_lastTime = 0; ///< of its last sample, microseconds; 0: nothing to drain
 };
 
-int progressMaximum(const QList<CxFrameData *> &frames, const CsvWindow &window, double statMin)
+int progressMaximum(const RecordList<CxFrameData> &frames, const CsvWindow &window, double statMin)
 {
     return countRecords(frames, window, statMin);
 }
 
-int progressMaximum(const QList<CxCounterData *> &records, const CsvWindow &window, double statMin)
+int progressMaximum(const RecordList<CxCounterData> &records, const CsvWindow &window, double statMin)
 {
     return countRecords(records, window, statMin);
 }
@@ -198,10 +291,11 @@ bool CsvReport::goesOn()
     return !m_progress.wasCancelled() && !m_file.hasFailed();
 }
 
-void CsvReport::writeFrames(const QList<CxFrameData *> &frames, const CsvLink &link)
+void CsvReport::writeFrames(const RecordList<CxFrameData> &frames, const CsvLink &link)
 {
     writeHeader(framesHeader);
-    BufferLevel level(link, m_window.resetBufferLevel);
+    IntervalColumns intervals(link);
+    BufferLevel level(link.bufferSize, m_window.resetBufferLevel);
     int index = 0;
     for (const CxFrameData *frame : frames) {
         m_progress.setValue(index);
@@ -211,7 +305,7 @@ void CsvReport::writeFrames(const QList<CxFrameData *> &frames, const CsvLink &l
             continue;
         const qint64 timestamp = frame->frameTimestamp(m_window.origin);
         level.drain(timestamp);
-        if (!writeSamples(*frame, link, level))
+        if (!writeSamples(*frame, intervals, level))
             return;
         level.setRate(*frame, link.sampleInterval);
         ++index;
@@ -221,39 +315,46 @@ void CsvReport::writeFrames(const QList<CxFrameData *> &frames, const CsvLink &l
 }
 
 /// \return false when the report has ended
-bool CsvReport::writeSamples(const CxFrameData &frame, const CsvLink &link, BufferLevel &level)
+bool CsvReport::writeSamples(const CxFrameData &frame, IntervalColumns &intervals, BufferLevel &level)
 {
-    const SharedText first = frameColumns(frame);
-    const SharedText required = requiredColumn(link);
     const qint64 timestamp = frame.frameTimestamp(m_window.origin);
-    const quint64 start = frame.samples[0];
+    const quint64 *const samples = frame.samples;
+    const quint64 count = frame.sampleCount;
+    const quint64 start = samples[0];
+    const FrameColumns frameColumns = columnsOf(frame);
+    SampleColumns sampleColumns(start, intervals.sampleInterval());
+    bool follows = false; // the row of the sample before
     quint64 previous = start;
-    for (quint64 i = 1; i < frame.sampleCount; ++i) {
+    for (quint64 i = 1; i < count; ++i) {
         if (i % samplesPerLook == 0 && !goesOn())
             return false;
-        const quint64 stamp = frame.samples[i];
+        const quint64 stamp = samples[i];
         const quint64 interval = stamp - previous;
         previous = stamp;
         const qint64 time = addSaturated(timestamp, static_cast<qint64>((stamp - start) / 250));
         level.setLastTime(time);
-        if (time < m_window.from)
+        if (time < m_window.from) {
+            follows = false;
             continue;
+        }
         if (time > m_window.to)
             break;
 
-        char *line = first.write(m_file.reserve());
-        line = writeField(line, (stamp - start) * 4);
-        line = writeField(line, link.sampleInterval * i);
-        line = writeField(line, stamp * 4);
-        line = required.write(line);
+        const IntervalColumns::Entry &ofInterval = intervals.at(interval);
+        if (follows)
+            sampleColumns.advance(i, stamp, ofInterval.step);
+        else
+            sampleColumns.set(i, stamp);
+        follows = true;
+        char *line = frameColumns.write(m_file.reserve());
+        line = sampleColumns.write(line);
+        line = ofInterval.text.write(line);
         if (interval == 0) {
             *line = '\n';
             m_file.commit(line + 1);
             continue;
         }
-        const double duration = static_cast<double>(interval) / 250.0;
-        level.advance(duration);
-        line = writeField(line, link.sampleInterval / duration);
+        level.change(ofInterval.change);
         line = writeField(line, level.bytes());
         line = writeField(line, level.percent());
         m_file.commit(endLine(line));
@@ -261,7 +362,7 @@ bool CsvReport::writeSamples(const CxFrameData &frame, const CsvLink &link, Buff
     return true;
 }
 
-void CsvReport::writeCounters(const QList<CxCounterData *> &records)
+void CsvReport::writeCounters(const RecordList<CxCounterData> &records)
 {
     writeHeader(countersHeader);
     int rows = 0;

@@ -37,9 +37,9 @@ struct CsvLink
 
 /// Records in the window and a margin of half its width, or of `statMin`
 /// microseconds (see CxCameraLineData) around a window narrower than that.
-int progressMaximum(const QList<CxCameraLineData::CxFrameData *> &frames, const CsvWindow &window,
+int progressMaximum(const RecordList<CxCameraLineData::CxFrameData> &frames, const CsvWindow &window,
                     double statMin);
-int progressMaximum(const QList<CxCameraLineData::CxCounterData *> &records, const CsvWindow &window,
+int progressMaximum(const RecordList<CxCameraLineData::CxCounterData> &records, const CsvWindow &window,
                     double statMin);
 
 /// Writes one report. It ends early, after a whole row, when it is cancelled or
@@ -51,17 +51,19 @@ public:
 
     /// One row a sample, with the modelled buffer level. Frames before the
     /// window count for it by their rate only. Progress: frames.
-    void writeFrames(const QList<CxCameraLineData::CxFrameData *> &frames, const CsvLink &link);
+    void writeFrames(const RecordList<CxCameraLineData::CxFrameData> &frames, const CsvLink &link);
 
     /// One row a record. Progress: rows.
-    void writeCounters(const QList<CxCameraLineData::CxCounterData *> &records);
+    void writeCounters(const RecordList<CxCameraLineData::CxCounterData> &records);
 
 private:
     class BufferLevel;
+    class IntervalColumns;
 
     void writeHeader(const char *text);
     bool goesOn();
-    bool writeSamples(const CxCameraLineData::CxFrameData &frame, const CsvLink &link, BufferLevel &level);
+    bool writeSamples(const CxCameraLineData::CxFrameData &frame, IntervalColumns &intervals,
+                      BufferLevel &level);
     void writeCounterRow(const CxCameraLineData::CxCounterData &record);
 
     CsvFile &m_file;

@@ -15,23 +15,6 @@ static_assert(std::endian::native == std::endian::little);
 
 __extension__ using Wide = unsigned __int128;
 
-/// Binary exponents of the values that are formatted here; all others are rare
-/// enough to be left to Qt. Above, a value no longer fits an integer; below, its
-/// power of five no longer does.
-constexpr int lowestExponent = -70;
-constexpr int highestExponent = 62;
-
-constexpr int lowestDecade = -22;
-constexpr double decades[] = {1e-22, 1e-21, 1e-20, 1e-19, 1e-18, 1e-17, 1e-16, 1e-15, 1e-14, 1e-13, 1e-12,
-                              1e-11, 1e-10, 1e-9,  1e-8,  1e-7,  1e-6,  1e-5,  1e-4,  1e-3,  1e-2,  1e-1,
-                              1e0,   1e1,   1e2,   1e3,   1e4,   1e5,   1e6,   1e7,   1e8,   1e9,   1e10,
-                              1e11,  1e12,  1e13,  1e14,  1e15,  1e16,  1e17,  1e18,  1e19};
-
-constexpr double decade(int exponent)
-{
-    return decades[exponent - lowestDecade];
-}
-
 template <std::size_t count> constexpr std::array<quint64, count> powersOf(quint64 base)
 {
     std::array<quint64, count> powers = {};
@@ -44,7 +27,9 @@ template <std::size_t count> constexpr std::array<quint64, count> powersOf(quint
 }
 
 constexpr auto powersOfFive = powersOf<28>(5);
-constexpr auto powersOfTen = powersOf<15>(10);
+constexpr auto powersOfTen = powersOf<20>(10);
+
+constexpr quint64 eightPlaces = powersOfTen[8];
 
 constexpr quint64 zeros = 0x3030303030303030;
 
@@ -64,13 +49,18 @@ quint64 eightDigits(quint32 value)
     return tens | (pairs - tens * 10) << 8;
 }
 
+/// Of eight characters. The last one does not count, even if it is 0.
+int leadingZeros(quint64 characters)
+{
+    return std::countr_zero((characters ^ zeros) | quint64(1) << 56) / 8;
+}
+
 /// Without leading zeros; a number below 10^8.
 char *writeShort(char *to, quint32 value)
 {
-    const quint64 digits = eightDigits(value);
-    // The last digit stays, even if it is 0.
-    const int skipped = std::countr_zero(digits | quint64(1) << 56) / 8;
-    store(to, (digits | zeros) >> (skipped * 8));
+    const quint64 characters = eightDigits(value) | zeros;
+    const int skipped = leadingZeros(characters);
+    store(to, characters >> (skipped * 8));
     return to + (8 - skipped);
 }
 
@@ -80,58 +70,119 @@ char *writeEight(char *to, quint32 value)
     return to + 8;
 }
 
-/// Six significant digits: the value is digits * 10^(exponent - 5).
-struct Rounded
+/// The characters of 000 to 999, the first in the lowest byte.
+constexpr std::array<quint32, 1000> threeDigits = [] {
+    std::array<quint32, 1000> texts = {};
+    for (quint32 i = 0; i < texts.size(); ++i)
+        texts[i] = (i / 100 | (i / 10 % 10) << 8 | (i % 10) << 16) | 0x303030;
+    return texts;
+}();
+
+/// The characters of a number from 100000 to 999999.
+quint64 sixDigits(quint32 value)
 {
-    quint32 digits;
+    return threeDigits[value / 1000] | static_cast<quint64>(threeDigits[value % 1000]) << 24;
+}
+
+/// The last digit that is not 0, counted from 0; of characters from sixDigits().
+unsigned int lastSignificant(quint64 characters)
+{
+    return static_cast<unsigned int>(63 - std::countl_zero((characters ^ zeros >> 16) | 1)) / 8;
+}
+
+/// How the real numbers of one decade within one binade are written.
+struct Decade
+{
+    quint64 factor; ///< makes six whole digits of the value's mantissa
     int exponent;
+    bool isFixed;     ///< in the notation without an exponent, for which the rest is
+    quint8 wholeBits; ///< 8 for each digit before the point
+    quint8 point;
+    quint8 fraction; ///< where the digits behind the point go, after zeros perhaps
+    quint8 ends[6];  ///< by lastSignificant()
 };
 
-/// \param exponent of the value's decade, below 6
-quint32 roundSmall(quint64 mantissa, int binaryExponent, int exponent)
+/// The numbers between two powers of two. They belong to one decade or to two.
+struct alignas(64) Binade
 {
-    // mantissa * 2^(binary - 52) * 10^(5 - exponent), exactly, as a binary
-    // fraction with `fraction` places, between 33 and 96 of them.
+    quint64 next; ///< bits of the first value that is rounded to the second decade
+    Decade decades[2];
+};
+
+/// The binary exponents of numbers that are formatted here. Smaller ones are
+/// rare enough to be left to Qt; their power of five would not fit an integer.
+constexpr int lowestExponent = -70;
+constexpr int highestExponent = 19;
+
+constexpr int exponentBias = 1023;
+constexpr quint64 hiddenBit = quint64(1) << 52; // where the biased exponent begins
+
+/// The value's six digits, which may be 1000000.
+/// \param bits of a value in the binade for which the factor is
+constexpr quint32 roundToSix(quint64 bits, quint64 factor)
+{
+    const quint64 mantissa = (bits | hiddenBit) << 11;
+    // 107 binary places. The 64 cut off first make no half of anything less.
+    const auto upper = static_cast<quint64>(static_cast<Wide>(mantissa) * factor >> 64);
+    return static_cast<quint32>(((upper >> 42) + 1) >> 1);
+}
+
+constexpr Decade decadeAt(int binaryExponent, int exponent)
+{
+    Decade decade = {};
+    // 10^(5 - exponent), exactly: a power of ten is one of five, shifted. It fits,
+    // because the product has six whole digits.
     const int scale = 5 - exponent;
-    const int fraction = 52 - binaryExponent - scale;
-    const Wide product = static_cast<Wide>(mantissa) * powersOfFive[static_cast<std::size_t>(scale)];
-    return static_cast<quint32>((product + (Wide(1) << (fraction - 1))) >> fraction);
+    if (scale >= 0)
+        decade.factor = powersOfFive[static_cast<std::size_t>(scale)] << (binaryExponent + scale + 44);
+    decade.exponent = exponent;
+    decade.isFixed = exponent >= -4 && exponent <= 5;
+    if (!decade.isFixed)
+        return decade;
+    const int whole = exponent < 0 ? 0 : exponent + 1;
+    const int fraction = exponent < 0 ? 1 - exponent : exponent + 2;
+    decade.wholeBits = static_cast<quint8>(whole * 8);
+    decade.point = static_cast<quint8>(exponent < 0 ? 1 : whole);
+    decade.fraction = static_cast<quint8>(fraction);
+    for (int last = 0; last < 6; ++last)
+        decade.ends[last] = static_cast<quint8>(last < whole ? whole : fraction + last + 1 - whole);
+    return decade;
 }
 
-/// \param exponent of the value's decade, from 6 to 18
-quint32 roundLarge(double value, int exponent)
+/// The decade of a power of two.
+constexpr int decadeOf(int binaryExponent)
 {
-    // Half a unit is a whole number here, so the value's fraction is irrelevant.
-    const quint64 unit = powersOfTen[static_cast<std::size_t>(exponent - 5)];
-    const quint64 number = static_cast<quint64>(value) + unit / 2;
-    // The estimate misses by one at most; a division would take much longer.
-    const auto estimate = static_cast<quint64>(static_cast<double>(number) * decade(5 - exponent));
-    const auto rest = static_cast<qint64>(number - estimate * unit);
-    const quint32 step = rest >= static_cast<qint64>(unit) ? 1 : 0;
-    return static_cast<quint32>(estimate) + step - (rest < 0 ? 1 : 0);
+    return (binaryExponent * 1233) >> 12; // log10(2), close enough here
 }
 
-Rounded roundToSix(double value, quint64 mantissa, int binaryExponent)
-{
-    // log10(2), close enough for these exponents. A decade below 1 that lies a
-    // little above its double counts that double as its own; it rounds to the
-    // same digits either way.
-    int exponent = (binaryExponent * 1233) >> 12;
-    exponent += value >= decade(exponent + 1) ? 1 : 0;
-    const quint32 digits =
-        exponent < 6 ? roundSmall(mantissa, binaryExponent, exponent) : roundLarge(value, exponent);
-    if (digits == 1000000)
-        return {100000, exponent + 1};
-    return {digits, exponent};
-}
+constexpr std::array<Binade, highestExponent - lowestExponent + 1> binades = [] {
+    std::array<Binade, highestExponent - lowestExponent + 1> table = {};
+    quint64 first = (exponentBias + lowestExponent) * hiddenBit;
+    int binaryExponent = lowestExponent;
+    for (Binade &binade : table) {
+        const int exponent = decadeOf(binaryExponent);
+        binade = {0, {decadeAt(binaryExponent, exponent), decadeAt(binaryExponent, exponent + 1)}};
+        // Numbers a little below a power of ten are rounded up to it.
+        quint64 below = first - 1;
+        binade.next = first + hiddenBit;
+        while (binade.next - below > 1) {
+            const quint64 middle = below + (binade.next - below) / 2;
+            (roundToSix(middle, binade.decades[0].factor) < 1000000 ? below : binade.next) = middle;
+        }
+        first += hiddenBit;
+        ++binaryExponent;
+    }
+    return table;
+}();
 
-/// \param text digits as characters, the first in the lowest byte
-char *writeExponential(char *to, quint64 text, int count, int exponent)
+/// \param digits as characters, see sixDigits()
+char *writeExponential(char *to, quint64 digits, int exponent)
 {
-    to[0] = static_cast<char>(text);
+    const unsigned int last = lastSignificant(digits);
+    to[0] = static_cast<char>(digits);
     to[1] = '.';
-    store(to + 2, text >> 8);
-    to += count > 1 ? count + 1 : 1;
+    store(to + 2, digits >> 8);
+    to += last > 0 ? last + 2 : 1;
     *to++ = 'e';
     *to++ = exponent < 0 ? '-' : '+';
     const int magnitude = exponent < 0 ? -exponent : exponent; // 22 at most
@@ -140,29 +191,33 @@ char *writeExponential(char *to, quint64 text, int count, int exponent)
     return to;
 }
 
-char *writeRounded(char *to, Rounded number)
+/// \param value from 999999.5 to below 2^63
+char *writeLarge(char *to, double value)
 {
-    const quint64 text = (eightDigits(number.digits) | zeros) >> 16;
-    const int count = 8 - std::countl_zero(text ^ zeros >> 16) / 8; // without trailing zeros
-    if (number.exponent >= 0 && number.exponent < 6) {
-        const int whole = number.exponent + 1;
-        store(to, text);
-        to[whole] = '.';
-        store(to + whole + 1, text >> (whole * 8));
-        return to + (count > whole ? count + 1 : whole);
-    }
-    if (number.exponent < 0 && number.exponent >= -4) {
-        store(to, zeros);
-        to[1] = '.';
-        to += 1 - number.exponent;
-        store(to, text);
-        return to + count;
-    }
-    return writeExponential(to, text, count, number.exponent);
+    std::size_t exponent = 6;
+    while (exponent < 18 && value >= static_cast<double>(powersOfTen[exponent + 1]))
+        ++exponent;
+    // Half a unit is a whole number here, so the value's fraction is irrelevant.
+    const quint64 unit = powersOfTen[exponent - 5];
+    const auto digits = static_cast<quint32>((static_cast<quint64>(value) + unit / 2) / unit);
+    if (digits == 1000000)
+        return writeExponential(to, sixDigits(100000), static_cast<int>(exponent) + 1);
+    return writeExponential(to, sixDigits(digits), static_cast<int>(exponent));
 }
 
-char *writeByQt(char *to, double value)
+/// Apart, so that it takes no registers from the usual numbers.
+[[gnu::noinline]] char *writeUnusual(char *to, double value)
 {
+    if (value == 0.0) {
+        *to = '0';
+        return to + 1;
+    }
+    if (value < 0.0) {
+        *to = '-';
+        return writeReal(to + 1, -value);
+    }
+    if (value >= 999999.5 && value < 0x1p63)
+        return writeLarge(to, value);
     const QByteArray text = QString::number(value, 'g', 6).toLatin1();
     std::memcpy(to, text.constData(), static_cast<std::size_t>(text.size()));
     return to + text.size();
@@ -172,15 +227,14 @@ char *writeByQt(char *to, double value)
 
 char *writeUnsigned(char *to, quint64 value)
 {
-    constexpr quint64 eight = 100000000;
-    if (value < eight)
+    if (value < eightPlaces)
         return writeShort(to, static_cast<quint32>(value));
-    const quint64 upper = value / eight;
-    const auto lower = static_cast<quint32>(value % eight);
-    if (upper < eight)
+    const quint64 upper = value / eightPlaces;
+    const auto lower = static_cast<quint32>(value % eightPlaces);
+    if (upper < eightPlaces)
         return writeEight(writeShort(to, static_cast<quint32>(upper)), lower);
-    to = writeShort(to, static_cast<quint32>(upper / eight));
-    return writeEight(writeEight(to, static_cast<quint32>(upper % eight)), lower);
+    to = writeShort(to, static_cast<quint32>(upper / eightPlaces));
+    return writeEight(writeEight(to, static_cast<quint32>(upper % eightPlaces)), lower);
 }
 
 char *writeSigned(char *to, qint64 value)
@@ -193,20 +247,52 @@ char *writeSigned(char *to, qint64 value)
 
 char *writeReal(char *to, double value)
 {
-    if (value == 0.0) {
-        *to = '0';
-        return to + 1;
-    }
     const auto bits = std::bit_cast<quint64>(value);
-    const int binaryExponent = static_cast<int>(bits >> 52 & 0x7ff) - 1023;
-    if (binaryExponent < lowestExponent || binaryExponent > highestExponent)
-        return writeByQt(to, value);
-    *to = '-';
-    to += bits >> 63;
-    constexpr quint64 hidden = quint64(1) << 52;
-    const quint64 mantissa = (bits & (hidden - 1)) | hidden;
-    const double magnitude = value < 0.0 ? -value : value;
-    return writeRounded(to, roundToSix(magnitude, mantissa, binaryExponent));
+    const quint64 index = bits / hiddenBit - (exponentBias + lowestExponent);
+    if (index >= binades.size())
+        return writeUnusual(to, value);
+    const Binade &binade = binades[index];
+    const Decade &decade = binade.decades[bits >= binade.next ? 1 : 0];
+    const quint64 text = sixDigits(roundToSix(bits, decade.factor));
+    if (!decade.isFixed)
+        return decade.exponent < 0 ? writeExponential(to, text, decade.exponent) : writeUnusual(to, value);
+    // Without a branch on the place of the point: a level that hovers around a
+    // power of ten would often take the unexpected one.
+    store(to, decade.wholeBits == 0 ? zeros : text);
+    to[decade.point] = '.';
+    store(to + decade.fraction, text >> decade.wholeBits);
+    return to + decade.ends[lastSignificant(text)];
+}
+
+DecimalCounter::Step DecimalCounter::stepOf(quint64 difference)
+{
+    if (difference >= eightPlaces)
+        return tooLarge;
+    const quint64 digits = __builtin_bswap64(eightDigits(static_cast<quint32>(difference)));
+    return digits + inEveryByte(excess - '0');
+}
+
+void DecimalCounter::set(quint64 value)
+{
+    const quint64 upper = value / eightPlaces;
+    const quint64 characters = eightDigits(static_cast<quint32>(value % eightPlaces)) | zeros;
+    m_lower = __builtin_bswap64(characters);
+    if (upper == 0) {
+        const int skipped = leadingZeros(characters);
+        m_shift = skipped * 8;
+        m_upperSize = 0;
+        m_size = 8 - skipped;
+        // Where a digit more is needed; with eight of them, at the carry.
+        m_limit = skipped == 0 ? ~quint64(0) : inEveryByte('0') + (quint64(1) << (m_size * 8));
+        return;
+    }
+    char text[textRoom];
+    m_upperSize = writeUnsigned(text, upper) - text;
+    std::memcpy(m_upper, text, sizeof(m_upper));
+    m_shift = 0;
+    m_size = m_upperSize + 8;
+    // The longest numbers may exceed 64 bits without a carry here.
+    m_limit = m_size == static_cast<std::ptrdiff_t>(longestInteger) ? 0 : ~quint64(0);
 }
 
 } // namespace measurement::csv

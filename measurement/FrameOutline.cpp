@@ -24,16 +24,17 @@ std::size_t FrameOutline::blockSize(std::size_t block) const
 
 void FrameOutline::describe(const quint64 *stamps, quint64 count, BlockOutline *place, const Kernels &kernels)
 {
-    m_stamps = stamps;
-    m_count = count;
-    m_blockCount = stamps ? blockCount(count) : 0;
     m_startLevel = -1.0;
     m_plain = false;
     m_repeats = false;
-    if (m_blockCount == 0)
-        return;
-    m_ownBlocks.reset(place ? nullptr : new BlockOutline[m_blockCount]);
+    const std::size_t blocks = stamps ? blockCount(count) : 0;
+    m_ownBlocks.reset(place || blocks == 0 ? nullptr : new BlockOutline[blocks]);
     m_blocks = place ? place : m_ownBlocks.get();
+    m_stamps = stamps;
+    m_count = count;
+    m_blockCount = blocks;
+    if (blocks == 0)
+        return;
 
     m_extrema = {0, ~0ULL};
     for (std::size_t block = 0; block < m_blockCount; ++block) {

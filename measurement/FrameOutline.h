@@ -62,7 +62,8 @@ public:
     }
 
     /// Whether the stamps climb, so that blocks say all there is to know.
-    /// Neighbours may be equal, but not all of them.
+    /// Neighbours may be equal, but not all of them; and the counter may start
+    /// again on the way, as differences are unsigned.
     bool isPlain() const { return m_plain; }
     bool hasRepeats() const { return m_repeats; } ///< equal neighbours
     const Extrema &extrema() const { return m_extrema; }
@@ -82,11 +83,6 @@ public:
 
 private:
     friend class LevelFollower;
-    friend class OutlineBuilder;
-
-    void begin(const quint64 *stamps, quint64 count, BlockOutline *place);
-    void include(const Extrema &extrema);
-    void end();
 
     const quint64 *m_stamps = nullptr;
     quint64 m_count = 0;

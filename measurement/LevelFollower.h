@@ -49,7 +49,6 @@ public:
 
     const LevelKey &key() const { return m_key; }
     const LevelRule &rule() const { return m_rule; }
-    const Kernels &kernels() const { return m_kernels; }
 
 private:
     /// The least and the most that an interval changes the level, bytes.

@@ -97,49 +97,6 @@ VELMORA_AVX2_INLINE __m128d step(__m128d level, double change, __m128d size, __m
     return _mm_min_sd(_mm_max_sd(level, _mm_setzero_pd()), size);
 }
 
-/// The changes of eight intervals at a time, the level one by one.
-VELMORA_AVX2 double scan(const Stamp *stamps, std::size_t count, const LevelRule &rule, const FreeRange &free,
-                         double level, double &peak)
-{
-    static_assert(scanGroup == 8, "two registers of changes");
-    const __m256d required = _mm256_set1_pd(rule.required);
-    const __m256d interval = _mm256_set1_pd(rule.interval);
-    const __m128d size = _mm_set_sd(rule.size);
-    __m128d highest = _mm_set_sd(peak);
-    std::size_t i = 0;
-    for (; i + scanGroup <= count; i += scanGroup) {
-        alignas(32) double changes[scanGroup];
-        _mm256_store_pd(changes, levelChanges(stamps + i, required, interval));
-        _mm256_store_pd(changes + 4, levelChanges(stamps + i + 4, required, interval));
-        if (level > free.above && level < free.below) {
-            // Levels first, their maximum after: a maximum takes longer than a
-            // sum, so one a step would set the pace.
-            for (double &change : changes) {
-                level += change;
-                change = level;
-            }
-            const __m256d four = _mm256_max_pd(_mm256_load_pd(changes), _mm256_load_pd(changes + 4));
-            const __m128d two = _mm_max_pd(_mm256_castpd256_pd128(four), _mm256_extractf128_pd(four, 1));
-            highest = _mm_max_sd(highest, _mm_max_sd(two, _mm_unpackhi_pd(two, two)));
-        } else if (level < free.below) {
-            // Only the lower end is near; the upper one need not lengthen the chain.
-            __m128d clamped = _mm_set_sd(level);
-            for (const double change : changes) {
-                clamped = _mm_max_sd(_mm_add_sd(clamped, _mm_set_sd(change)), _mm_setzero_pd());
-                highest = _mm_max_sd(highest, clamped);
-            }
-            level = _mm_cvtsd_f64(clamped);
-        } else {
-            __m128d clamped = _mm_set_sd(level);
-            for (const double change : changes)
-                clamped = step(clamped, change, size, highest);
-            level = _mm_cvtsd_f64(clamped);
-        }
-    }
-    peak = _mm_cvtsd_f64(highest);
-    return i < count ? portableKernels().scan(stamps + i, count - i, rule, free, level, peak) : level;
-}
-
 /// Four lanes, four intervals each: lane k of change[i] is frame k's interval i.
 VELMORA_AVX2_INLINE void transpose(__m256d (&change)[4])
 {
@@ -151,6 +108,89 @@ VELMORA_AVX2_INLINE void transpose(__m256d (&change)[4])
     change[1] = _mm256_permute2f128_pd(high01, high23, 0x20);
     change[2] = _mm256_permute2f128_pd(low01, low23, 0x31);
     change[3] = _mm256_permute2f128_pd(high01, high23, 0x31);
+}
+
+/// Four groups of intervals: their changes and what becomes in each of a level
+/// that starts at 0.
+struct Groups
+{
+    static constexpr std::size_t count = 4;
+
+    alignas(32) double changes[count][scanGroup];
+    alignas(32) double ends[count];
+    alignas(32) double peaks[count];
+};
+
+VELMORA_AVX2_INLINE void enter(Groups &groups, const Stamp *stamps, __m256d required, __m256d interval)
+{
+    static_assert(scanGroup == 8 && Groups::count == 4,
+                  "a register holds four changes or a step of four groups");
+    __m256d level = _mm256_setzero_pd();
+    __m256d highest = level;
+    __m256d steps[2][4];
+    for (std::size_t i = 0; i < Groups::count; ++i) {
+        for (std::size_t half = 0; half < 2; ++half) {
+            steps[half][i] = levelChanges(stamps + i * scanGroup + half * 4, required, interval);
+            _mm256_store_pd(groups.changes[i] + half * 4, steps[half][i]);
+        }
+    }
+    for (auto &half : steps) {
+        transpose(half);
+        for (const __m256d &step : half) {
+            level = _mm256_add_pd(level, step);
+            highest = _mm256_max_pd(highest, level);
+            level = _mm256_max_pd(level, _mm256_setzero_pd());
+        }
+    }
+    _mm256_store_pd(groups.ends, level);
+    _mm256_store_pd(groups.peaks, highest);
+}
+
+/// The changes of 32 intervals at a time, the level one by one.
+///
+/// Cutting the level to the ends of the buffer after each sum makes a chain that
+/// takes two to three times as long as the sums. But adding keeps the order of
+/// two levels, also after rounding, and so does cutting. Where only the lower end
+/// is near, a level that does not meet it stays above one that starts there, and
+/// one that does is the same as that from there on: it is the higher one of that
+/// and of its plain sum. So groups that start at 0 are followed side by side,
+/// long before the level is known, and the sums are cut once a group.
+VELMORA_AVX2 double scan(const Stamp *stamps, std::size_t count, const LevelRule &rule, const FreeRange &free,
+                         double level, double &peak)
+{
+    const __m256d required = _mm256_set1_pd(rule.required);
+    const __m256d interval = _mm256_set1_pd(rule.interval);
+    const __m128d size = _mm_set_sd(rule.size);
+    __m128d highest = _mm_set_sd(peak);
+    __m256d highestSum = _mm256_setzero_pd();
+    std::size_t i = 0;
+    for (; i + Groups::count * scanGroup <= count; i += Groups::count * scanGroup) {
+        Groups groups;
+        enter(groups, stamps + i, required, interval);
+        for (std::size_t number = 0; number < Groups::count; ++number) {
+            double(&changes)[scanGroup] = groups.changes[number];
+            if (level < free.below) {
+                // The sums first, their maximum after: a maximum takes longer
+                // than a sum, so one a step would set the pace.
+                for (double &change : changes) {
+                    level += change;
+                    change = level;
+                }
+                highestSum = _mm256_max_pd(
+                    highestSum, _mm256_max_pd(_mm256_load_pd(changes), _mm256_load_pd(changes + 4)));
+                highest = _mm_max_sd(highest, _mm_load_sd(groups.peaks + number));
+                level = _mm_cvtsd_f64(_mm_max_sd(_mm_set_sd(level), _mm_load_sd(groups.ends + number)));
+            } else {
+                __m128d clamped = _mm_set_sd(level);
+                for (const double change : changes)
+                    clamped = step(clamped, change, size, highest);
+                level = _mm_cvtsd_f64(clamped);
+            }
+        }
+    }
+    const __m128d two = _mm_max_pd(_mm256_castpd256_pd128(highestSum), _mm256_extractf128_pd(highestSum, 1));
+    peak = _mm_cvtsd_f64(_mm_max_sd(highest, _mm_max_sd(two, _mm_unpackhi_pd(two, two))));
+    return i < count ? portableKernels().scan(stamps + i, count - i, rule, free, level, peak) : level;
 }
 
 VELMORA_AVX2 void scanLanes(const Stamp *const *stamps, std::size_t count, const LevelRule &rule,

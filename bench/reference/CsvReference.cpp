@@ -1,5 +1,7 @@
 #include "bench/reference/CsvReference.h"
 
+#include "measurement/Saturate.h"
+
 #include <QTextStream>
 
 namespace reference {
@@ -13,7 +15,7 @@ QString text(double value)
 
 } // namespace
 
-void writeFrames(QIODevice &device, const QList<CxCameraLineData::CxFrameData *> &frames,
+void writeFrames(QIODevice &device, const measurement::RecordList<CxCameraLineData::CxFrameData> &frames,
                  const measurement::CsvWindow &window, const measurement::CsvLink &link)
 {
     QTextStream out(&device);
@@ -44,7 +46,7 @@ void writeFrames(QIODevice &device, const QList<CxCameraLineData::CxFrameData *>
             const quint64 stamp = frame->samples[i];
             const double duration = static_cast<double>(stamp - previous) / 250.0;
             previous = stamp;
-            lastTime = timestamp + static_cast<qint64>((stamp - start) / 250);
+            lastTime = measurement::addSaturated(timestamp, static_cast<qint64>((stamp - start) / 250));
             if (lastTime < window.from)
                 continue;
             if (lastTime > window.to)
@@ -63,6 +65,26 @@ void writeFrames(QIODevice &device, const QList<CxCameraLineData::CxFrameData *>
         rate = static_cast<double>(bytes) / static_cast<double>(frame->sampleSpan) * 250.0;
         if (window.to < timestamp)
             break;
+    }
+}
+
+void writeCounters(QIODevice &device, const measurement::RecordList<CxCameraLineData::CxCounterData> &records,
+                   const measurement::CsvWindow &window)
+{
+    QTextStream out(&device);
+    out.setCodec("UTF-8");
+    out << QStringLiteral(
+        "Frame number,Timestamp [\u03BCs],Computer Timestamp [\u03BCs],Transport skip,API skip,"
+        "Missed trg. overlap,Missed trg overflow,Buffer overflow\n");
+    for (const CxCameraLineData::CxCounterData *record : records) {
+        const qint64 timestamp = record->frameTimestamp(window.origin);
+        if (timestamp < window.from)
+            continue;
+        if (timestamp > window.to)
+            break;
+        out << record->frameNumber << ',' << record->cameraTimestamp << ',' << record->computerTimestamp
+            << ',' << record->transportSkip << ',' << record->apiSkip << ',' << record->missedTrgOverlap
+            << ',' << record->missedTrgOverflow << ',' << record->bufferOverflow << '\n';
     }
 }
 

@@ -6,9 +6,11 @@ class QIODevice;
 
 namespace reference {
 
-/// The rows of throughput mode in the plainest way, by QTextStream. The tests
-/// compare with it, the benchmarks measure against it.
-void writeFrames(QIODevice &device, const QList<CxCameraLineData::CxFrameData *> &frames,
+/// Reports in the plainest way, by QTextStream. The tests compare with them, the
+/// benchmarks measure against them.
+void writeFrames(QIODevice &device, const measurement::RecordList<CxCameraLineData::CxFrameData> &frames,
                  const measurement::CsvWindow &window, const measurement::CsvLink &link);
+void writeCounters(QIODevice &device, const measurement::RecordList<CxCameraLineData::CxCounterData> &records,
+                   const measurement::CsvWindow &window);
 
 } // namespace reference

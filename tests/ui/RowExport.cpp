@@ -54,14 +54,15 @@ void RowExport::click(int camera, const QString &name)
 
 bool RowExport::recordLong(int camera)
 {
-    m_cameras.rig.loadSettings({{"DTGTSamplePeriod", 8}});
+    // So many that the events are looked at several times on a fast machine.
+    m_cameras.rig.loadSettings({{"DTGTSamplePeriod", 8}, {"DTGTMaxSamples", 20000000}});
     scripted::CounterFrames frames;
     frames.width = 1024;
     frames.height = 400;
     m_cameras.host.setImageSource(m_cameras[camera], frames);
     if (!m_cameras.measureAndStop(camera, longFrames))
         return false;
-    m_cameras.rig.loadSettings({{"DTGTSamplePeriod", 1024}});
+    m_cameras.rig.loadSettings({{"DTGTSamplePeriod", 1024}, {"DTGTMaxSamples", 20000000}});
     // Wherever the time axis begins once another camera has moved it.
     m_cameras.timeAxis(camera)->setRange(-60.0, 60.0);
     return true;

@@ -46,7 +46,7 @@ public:
     /// A recording of four million stamps that stay in view: its report takes
     /// several looks at the events.
     bool recordLong(int camera);
-    static constexpr int longFrames = 42;
+    static constexpr int longFrames = 160;
     static constexpr int longRows = longFrames * 94399;
 
     /// Runs the action once during the next export.

@@ -1,8 +1,5 @@
-#include "bench/reference/CsvReference.h"
-#include "tests/measurement/model/RandomCase.h"
 #include "tests/measurement/report/ReportRig.h"
 
-#include <QBuffer>
 #include <QTest>
 
 #include <limits>
@@ -43,8 +40,6 @@ private Q_SLOTS:
     void levelIsClamped();
     void noBuffer();
     void origins();
-    void likeTheReference_data();
-    void likeTheReference();
 
 private:
     std::unique_ptr<ReportRig> m_rig;
@@ -214,58 +209,6 @@ void CsvReportTest::origins()
     window.origin = static_cast<ExTimestampOrigin>(7);
     window.from = window.to = 1010;
     QCOMPARE(m_rig->writeFrames(window).size(), 1);
-}
-
-void CsvReportTest::likeTheReference_data()
-{
-    QTest::addColumn<double>("repeats");
-    QTest::addColumn<double>("backward");
-    QTest::addColumn<double>("stalls");
-    QTest::addColumn<bool>("disorder");
-    QTest::newRow("plain") << 0.0 << 0.0 << 0.0 << false;
-    QTest::newRow("stalls") << 0.0 << 0.0 << 0.05 << false;
-    QTest::newRow("repeats") << 0.1 << 0.0 << 0.01 << false;
-    QTest::newRow("backward") << 0.02 << 0.02 << 0.01 << false;
-    QTest::newRow("disorder") << 0.01 << 0.0 << 0.01 << true;
-}
-
-void CsvReportTest::likeTheReference()
-{
-    QFETCH(double, repeats);
-    QFETCH(double, backward);
-    QFETCH(double, stalls);
-    QFETCH(bool, disorder);
-    CaseFamily family = {QTest::currentDataTag()};
-    family.repeats = repeats;
-    family.backward = backward;
-    family.stalls = stalls;
-    family.disorder = disorder;
-    family.mixedLengths = true;
-    std::mt19937_64 random(8);
-    qint64 compared = 0;
-    for (int i = 0; i < 60; ++i) {
-        init();
-        const RandomCase drawn = drawCase(family, random);
-        CxCameraLineData &line = m_rig->recorded.line;
-        for (std::size_t frame = 0; frame < drawn.recording.size(); ++frame) {
-            const throughput::Frame source = drawn.recording.at(frame);
-            auto &copy = m_rig->recorded.addFrameOfTicks(source.timestamp,
-                                                         {source.stamps, source.stamps + source.count});
-            copy.frameNumber = frame;
-        }
-        line.sampleInterval = drawn.settings.sampleInterval;
-        line.avgTransportSpeedMBps = static_cast<unsigned int>(drawn.settings.requiredMBps);
-        line.internalBuffSize = drawn.settings.bufferSize;
-        const CsvWindow window = {drawn.settings.from, drawn.settings.to, TimestampOriginCamera,
-                                  drawn.settings.resetBufferLevel};
-        m_rig->writeFrames(window);
-        QBuffer expected;
-        expected.open(QIODevice::WriteOnly);
-        reference::writeFrames(expected, line.frames, window, m_rig->link());
-        QVERIFY(m_rig->contents() == expected.data());
-        compared += expected.size();
-    }
-    QVERIFY(compared > 1000000);
 }
 
 QTEST_APPLESS_MAIN(CsvReportTest)

@@ -26,6 +26,13 @@ QByteArray realText(double value)
     return scratch.guard == '#' ? QByteArray(scratch.text, static_cast<int>(end - scratch.text)) : "overrun";
 }
 
+QByteArray counterText(const DecimalCounter &counter)
+{
+    Scratch scratch;
+    const char *end = counter.write(scratch.text);
+    return scratch.guard == '#' ? QByteArray(scratch.text, static_cast<int>(end - scratch.text)) : "overrun";
+}
+
 template <typename Integer> QByteArray integerText(Integer value, char *(*write)(char *, Integer))
 {
     Scratch scratch;
@@ -99,6 +106,9 @@ private Q_SLOTS:
     void integers_data();
     void integers();
     void integersLikeQt();
+    void counter_data();
+    void counter();
+    void counterOfAnySteps();
 };
 
 void CsvTextTest::reals_data()
@@ -294,6 +304,59 @@ void CsvTextTest::integersLikeQt()
         QCOMPARE(integerText(value, writeUnsigned), QByteArray::number(value));
         QCOMPARE(integerText(asSigned, writeSigned), QByteArray::number(asSigned));
         QCOMPARE(integerText(-(asSigned / 2), writeSigned), QByteArray::number(-(asSigned / 2)));
+    }
+}
+
+void CsvTextTest::counter_data()
+{
+    QTest::addColumn<quint64>("start");
+    QTest::addColumn<quint64>("step");
+    QTest::newRow("standing") << quint64(10) << quint64(0);
+    QTest::newRow("from 0") << quint64(0) << quint64(1);
+    QTest::newRow("offsets") << quint64(4096) << quint64(4096);
+    QTest::newRow("past eight digits") << quint64(99999000) << quint64(4);
+    QTest::newRow("nanoseconds of a day") << quint64(36000000000000) << quint64(10480);
+    QTest::newRow("past sixteen digits") << quint64(9999999999990000) << quint64(9);
+    QTest::newRow("largest step") << quint64(5) << quint64(99999999);
+    QTest::newRow("larger step") << quint64(5) << quint64(100000000);
+    QTest::newRow("huge step") << quint64(5) << quint64(1234567890123456789);
+    QTest::newRow("backward") << quint64(1005) << quint64(0) - 3;
+    QTest::newRow("past 64 bits") << std::numeric_limits<quint64>::max() - 5000 << quint64(7);
+}
+
+void CsvTextTest::counter()
+{
+    QFETCH(quint64, start);
+    QFETCH(quint64, step);
+    DecimalCounter counter;
+    counter.set(start);
+    QCOMPARE(counterText(counter), QByteArray::number(start));
+    const DecimalCounter::Step prepared = DecimalCounter::stepOf(step);
+    quint64 value = start;
+    for (int i = 0; i < 20000; ++i) {
+        value += step;
+        if (!counter.advance(prepared))
+            counter.set(value);
+        if (counterText(counter) != QByteArray::number(value))
+            QCOMPARE(counterText(counter), QByteArray::number(value));
+    }
+}
+
+void CsvTextTest::counterOfAnySteps()
+{
+    std::mt19937_64 random(11);
+    for (int run = 0; run < 3000; ++run) {
+        quint64 value = random() >> random() % 64;
+        DecimalCounter counter;
+        counter.set(value);
+        for (int i = 0; i < 100; ++i) {
+            const quint64 step = random() >> (run % 2 ? random() % 64 : 36 + random() % 28);
+            value += step;
+            if (!counter.advance(DecimalCounter::stepOf(step)))
+                counter.set(value);
+            if (counterText(counter) != QByteArray::number(value))
+                QCOMPARE(counterText(counter), QByteArray::number(value));
+        }
     }
 }
 

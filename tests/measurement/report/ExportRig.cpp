@@ -18,7 +18,7 @@ void ExportRig::addLongRecording()
     std::vector<quint64> times(2000);
     for (std::size_t i = 0; i < times.size(); ++i)
         times[i] = 7 * i;
-    for (int frame = 0; frame < 2000; ++frame)
+    for (int frame = 0; frame < longRecording; ++frame)
         recorded->addFrame(1000 + 15000 * frame, times);
 }
 

@@ -21,8 +21,9 @@ class ExportRig
 public:
     ExportRig();
 
-    /// Frames that take several looks at the events to write: 4 million samples.
+    /// Frames that take several looks at the events to write: 8 million samples.
     void addLongRecording();
+    static constexpr int longRecording = 4000; ///< frames
     void addCounters(qint64 timestamp, qint32 value);
 
     /// Exports everything with the window as parent.
