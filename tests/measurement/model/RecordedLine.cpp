@@ -2,6 +2,7 @@
 
 #include "bench/reference/RecordedEngine.h"
 #include "bench/reference/ThroughputReference.h"
+#include "measurement/Saturate.h"
 #include "measurement/ThroughputEngine.h"
 
 #include <QTest>
@@ -39,7 +40,7 @@ CxCameraLineData::CxFrameData &RecordedLine::addFrameOfTicks(qint64 timestamp,
     auto *frame = new CxCameraLineData::CxFrameData;
     frame->cameraTimestamp = timestamp;
     // Far off: a mix-up of the two finds no frame in any window.
-    frame->computerTimestamp = timestamp + Q_INT64_C(1000000000000);
+    frame->computerTimestamp = measurement::addSaturated(timestamp, Q_INT64_C(1000000000000));
     frame->samples = new quint64[stamps.size()];
     std::copy(stamps.begin(), stamps.end(), frame->samples);
     frame->sampleCount = stamps.size();
