@@ -1,5 +1,8 @@
 #include "bench/CaptureHost.h"
 
+#include <algorithm>
+#include <cstring>
+
 #if defined(__x86_64__)
 #include <emmintrin.h>
 #endif
@@ -20,14 +23,16 @@ CaptureHost &CaptureHost::instance()
 }
 
 void CaptureHost::setFrame(std::uint32_t width, std::uint32_t height, std::size_t firstByte,
-                           std::size_t stride, std::size_t count)
+                           std::size_t stride, const std::vector<unsigned long long> &words)
 {
     m_width = width;
     m_height = height;
     m_frame.assign(std::size_t(width) * height * 2, '\1');
     m_firstByte = firstByte;
     m_stride = stride;
-    m_count = count;
+    m_count = words.size();
+    for (std::size_t i = 0; i < m_count; ++i)
+        std::memcpy(m_frame.data() + firstByte + i * stride, &words[i], sizeof words[i]);
 }
 
 void CaptureHost::deliver(int frames, std::function<void()> last)
@@ -35,22 +40,31 @@ void CaptureHost::deliver(int frames, std::function<void()> last)
     m_left = frames;
     m_last = std::move(last);
     m_running = false;
-    m_outside = Clock::duration::zero();
+    m_outside.clear();
+    m_outside.reserve(static_cast<std::size_t>(frames));
 }
 
-double CaptureHost::secondsOutside() const
+double CaptureHost::secondsPerFrame()
 {
-    const Clock::duration open = m_running ? Clock::now() - m_handedOut : Clock::duration::zero();
-    return std::chrono::duration<double>(m_outside + open).count();
+    endFrame();
+    const auto middle = m_outside.begin() + static_cast<std::ptrdiff_t>(m_outside.size() / 2);
+    std::nth_element(m_outside.begin(), middle, m_outside.end());
+    return std::chrono::duration<double>(*middle).count();
+}
+
+void CaptureHost::endFrame()
+{
+    if (m_running)
+        m_outside.push_back(Clock::now() - m_handedOut);
+    m_running = false;
 }
 
 bool CaptureHost::capture(ZU_IMG &image)
 {
-    if (m_running)
-        m_outside += Clock::now() - m_handedOut;
-    m_running = m_left > 0;
-    if (!m_running)
+    endFrame();
+    if (m_left == 0)
         return false;
+    m_running = true;
     if (--m_left == 0)
         m_last();
     makeCold();

@@ -16,16 +16,17 @@ class CaptureHost
 public:
     static CaptureHost &instance();
 
-    /// \param firstByte, stride, count the words to be sampled, in bytes
+    /// \param firstByte, stride where the words to be sampled lie, in bytes
     void setFrame(std::uint32_t width, std::uint32_t height, std::size_t firstByte, std::size_t stride,
-                  std::size_t count);
+                  const std::vector<unsigned long long> &words);
 
     /// Restarts the clock. `last` is called with the last of that many frames.
     void deliver(int frames, std::function<void()> last);
 
-    /// From each frame's handing out to the next capture; the frame under way
-    /// when nothing more is captured counts up to now.
-    double secondsOutside() const;
+    /// From a frame's handing out to the next capture, or up to now when nothing
+    /// more was captured: the median of the frames delivered, since some meet
+    /// another program on their processor.
+    double secondsPerFrame();
 
     bool capture(ZU_IMG &image);
 
@@ -33,6 +34,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void makeCold() const;
+    void endFrame();
 
     std::vector<char> m_frame;
     std::uint32_t m_width = 0;
@@ -44,7 +46,7 @@ private:
     std::function<void()> m_last;
     bool m_running = false;
     Clock::time_point m_handedOut;
-    Clock::duration m_outside = Clock::duration::zero();
+    std::vector<Clock::duration> m_outside;
 };
 
 } // namespace bench

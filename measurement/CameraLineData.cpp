@@ -41,8 +41,11 @@ void CxCameraLineData::CxFrameData::allocateSamples(quint64 count)
 
 void CxCameraLineData::CxFrameData::describeSamples(const measurement::throughput::LevelKey &settings)
 {
+    // The level of one frame is a chain of sums, which takes longer than gathering
+    // the samples where these are few. A pass follows such frames side by side.
+    constexpr quint64 fewest = 1024;
     outline.describe(samples, sampleCount, blocks);
-    if (outline.isPlain())
+    if (outline.isPlain() && sampleCount >= fewest)
         measurement::throughput::LevelFollower(settings).follow(outline, 0.0);
 }
 

@@ -57,23 +57,28 @@ VELMORA_AVX2_INLINE __m256d levelChanges(const Stamp *stamps, __m256d required, 
 VELMORA_AVX2 Extrema extrema(const Stamp *stamps, std::size_t count)
 {
     __m256i bits = _mm256_setzero_si256();
-    __m256d longest = _mm256_set1_pd(twoTo52);
-    __m256d shortest = _mm256_set1_pd(2 * twoTo52);
+    // Two chains of each: a maximum takes longer than all else there is to do.
+    __m256d longest[2] = {_mm256_set1_pd(twoTo52), _mm256_set1_pd(twoTo52)};
+    __m256d shortest[2] = {_mm256_set1_pd(2 * twoTo52), _mm256_set1_pd(2 * twoTo52)};
     std::size_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        const __m256i intervals = intervalsAt(stamps + i);
-        bits = _mm256_or_si256(bits, intervals);
-        longest = _mm256_max_pd(longest, raised(intervals));
-        shortest = _mm256_min_pd(shortest, raised(intervals));
+    for (; i + 8 <= count; i += 8) {
+        for (std::size_t half = 0; half < 2; ++half) {
+            const __m256i intervals = intervalsAt(stamps + i + half * 4);
+            bits = _mm256_or_si256(bits, intervals);
+            longest[half] = _mm256_max_pd(longest[half], raised(intervals));
+            shortest[half] = _mm256_min_pd(shortest[half], raised(intervals));
+        }
     }
+    longest[0] = _mm256_max_pd(longest[0], longest[1]);
+    shortest[0] = _mm256_min_pd(shortest[0], shortest[1]);
     // An interval of 2^52 ticks or more has spoilt the doubles.
     if (!_mm256_testz_si256(bits, _mm256_set1_epi64x(static_cast<long long>(~longestPlainInterval))))
         return portableKernels().extrema(stamps, count);
 
     alignas(32) double longestOf[4];
     alignas(32) double shortestOf[4];
-    _mm256_store_pd(longestOf, longest);
-    _mm256_store_pd(shortestOf, shortest);
+    _mm256_store_pd(longestOf, longest[0]);
+    _mm256_store_pd(shortestOf, shortest[0]);
     Extrema result = {0, ~0ULL};
     for (int lane = 0; lane < 4 && i > 0; ++lane) {
         const Stamp most = static_cast<Stamp>(longestOf[lane] - twoTo52);

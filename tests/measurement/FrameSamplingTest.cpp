@@ -124,6 +124,8 @@ void FrameSamplingTest::gather_data()
     QTest::newRow("every third word") << 100U << 24U;
     QTest::newRow("between the words") << 100U << 13U;
     QTest::newRow("behind the start of a large frame") << 17000U << 4096U;
+    for (const quint32 count : {2U, 47U, 48U, 49U, 55U, 56U, 57U, 63U, 64U, 65U, 128U, 129U})
+        QTest::addRow("%u words", count) << count << 8U;
 }
 
 void FrameSamplingTest::gather()

@@ -98,7 +98,7 @@ private Q_SLOTS:
     void divisions();
     void scans_data();
     void scans();
-    void freeRangeChangesNothing_data() { addKernelRows(); }
+    void freeRangeChangesNothing_data();
     void freeRangeChangesNothing();
 };
 
@@ -217,19 +217,38 @@ void ThroughputKernelsTest::scans()
     }
 }
 
+void ThroughputKernelsTest::freeRangeChangesNothing_data()
+{
+    QTest::addColumn<KernelsOf>("kernelsOf");
+    QTest::addColumn<quint64>("longest"); // interval; 5120 is balanced
+    QTest::addColumn<double>("start");
+    for (const auto &[set, kernelsOf] : {std::pair("portable", &portable), std::pair("AVX2", &avx2Kernels)}) {
+        QTest::addRow("%s, free at first", set) << kernelsOf << quint64(6000) << 50000.0;
+        QTest::addRow("%s, rises from empty", set) << kernelsOf << quint64(5400) << 0.0;
+        QTest::addRow("%s, hovers above empty", set) << kernelsOf << quint64(4800) << 0.0;
+        QTest::addRow("%s, falls to empty", set) << kernelsOf << quint64(4000) << 30000.0;
+        QTest::addRow("%s, rises to full", set) << kernelsOf << quint64(7000) << 60000.0;
+        QTest::addRow("%s, hovers below full", set) << kernelsOf << quint64(5600) << 100000.0;
+    }
+}
+
 void ThroughputKernelsTest::freeRangeChangesNothing()
 {
     FETCH_KERNELS(kernels);
+    QFETCH(quint64, longest);
+    QFETCH(double, start);
     const LevelRule rule = {400.0, 4096.0, 100000.0};
-    // An interval of 1 to 6000 ticks changes the level by -4095 to 5504 bytes.
-    const FreeRange sometimes = {8 * 4097.0, 100000.0 - 8 * 5505.0};
+    // The shortest interval, of 1 tick, changes the level by -4094.4 bytes.
+    const double largest = static_cast<double>(longest) / 250.0 * rule.required - rule.interval;
+    const FreeRange sometimes = {8 * 4097.0, rule.size - 8 * (largest + 1.0)};
     std::mt19937_64 random(3);
-    for (int i = 0; i < 500; ++i) {
-        const std::vector<Stamp> stamps = randomStamps(random, blockLength, 6000);
+    for (std::size_t i = 0; i < 500; ++i) {
+        const std::size_t count = i < 300 ? blockLength : i % blockLength + 1;
+        const std::vector<Stamp> stamps = randomStamps(random, count, longest);
         double expectedPeak = 0.0;
-        const double expected = levelAfter(stamps, rule, 50000.0, expectedPeak);
+        const double expected = levelAfter(stamps, rule, start, expectedPeak);
         double peak = 0.0;
-        const double level = kernels->scan(stamps.data(), blockLength, rule, sometimes, 50000.0, peak);
+        const double level = kernels->scan(stamps.data(), count, rule, sometimes, start, peak);
         QCOMPARE(bits(level), bits(expected));
         QCOMPARE(bits(peak), bits(expectedPeak));
     }
