@@ -53,7 +53,6 @@ private Q_SLOTS:
     void queue();
     void randomQueue();
     void recordsStayInPlace();
-    void neighbours();
     void clearAndFillAgain();
     void swap();
     void iterators();
@@ -148,31 +147,6 @@ void RecordListTest::recordsStayInPlace()
     for (std::size_t i = 1; i < 200 * chunk; ++i)
         list.append(address(i));
     QCOMPARE(&list.at(0), place);
-}
-
-void RecordListTest::neighbours()
-{
-    List list;
-    fill(list, 3 * chunk + 10);
-    for (int i = 0; i < 100; ++i)
-        list.takeFirst();
-    std::vector<std::pair<int, int>> runs; // start and length
-    for (int next = 0; next < list.size();) {
-        int start = -1;
-        const auto run = list.neighbours(next, start);
-        QCOMPARE(start, next);
-        for (std::size_t i = 0; i < run.size(); ++i) {
-            int same = -1;
-            const int index = next + static_cast<int>(i);
-            QVERIFY(run[i] == list.at(index));
-            QVERIFY(list.neighbours(index, same).data() == run.data() && same == start);
-        }
-        next += static_cast<int>(run.size());
-        runs.emplace_back(start, static_cast<int>(run.size()));
-    }
-    const std::vector<std::pair<int, int>> expected = {
-        {0, chunk - 100}, {chunk - 100, chunk}, {2 * chunk - 100, chunk}, {3 * chunk - 100, 10}};
-    QVERIFY(runs == expected);
 }
 
 void RecordListTest::clearAndFillAgain()
