@@ -66,7 +66,8 @@ public:
         void allocateSamples(quint64 count);
         /// Tells the throughput model of the samples, all of which are there, so
         /// that no pass has to look at all of them under the engine's mutex.
-        /// Left out, as for records that were not captured, the first pass does it.
+        /// Left out, as for records that were not captured, the first pass does it;
+        /// as it does for the level of the buffer where the samples are few.
         /// \param settings with which the graphs will probably be computed
         void describeSamples(const measurement::throughput::LevelKey &settings);
 

@@ -63,14 +63,14 @@ throughput::Settings settingsOf(const CxCameraLineData &line, const ThroughputWi
     return settings;
 }
 
-/// Intervals that are looked at in one hold of the mutex: some milliseconds of
+/// Intervals that are looked at in one hold of the mutex: a few milliseconds of
 /// work, for which a camera's driver has buffers. Each hold also walks over the
 /// frames that need no work any more, so a long recording gets fewer of them; and
 /// fewer still where that walk looks at intervals itself.
 quint64 sliceWork(quint64 intervals, quint64 repeated)
 {
-    constexpr quint64 least = Q_UINT64_C(1) << 20;
-    constexpr quint64 most = Q_UINT64_C(1) << 22;
+    constexpr quint64 least = Q_UINT64_C(1) << 19;
+    constexpr quint64 most = Q_UINT64_C(1) << 21;
     return std::max(std::min(std::max(intervals / 64, least), most), 2 * repeated);
 }
 
@@ -122,27 +122,25 @@ throughput::Outcome evaluateSlice(CxCameraLineData &line, const ThroughputWindow
     return outcome;
 }
 
-} // namespace
-
-bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::PointSink *sink)
+/// A pass in as many holds of the mutex as it takes, unless that is more work
+/// than allowed.
+throughput::Outcome evaluateInSlices(CxCameraLineData &line, const ThroughputWindow &window,
+                                     throughput::PointSink *sink, throughput::Work &work)
 {
-    if (line.isExporting())
-        return false;
     quint64 intervals = 0;
-    quint64 done = 0;
     quint64 repeated = 0;
     for (;;) {
         // A level that meets neither end of the buffer has to be followed anew
         // through everything whenever the capture drops the oldest frame. It
         // must not go on for ever.
-        throughput::Work work;
-        if (done <= 2 * intervals)
-            work.allowed = sliceWork(intervals, repeated);
-        const throughput::Outcome outcome = evaluateSlice(line, window, sink, work, intervals);
-        if (outcome != throughput::Outcome::Unfinished)
-            return outcome == throughput::Outcome::Processed;
-        done += work.done;
-        repeated = work.repeated;
+        throughput::Work slice;
+        if (work.done <= 2 * intervals)
+            slice.allowed = sliceWork(intervals, repeated);
+        const throughput::Outcome outcome = evaluateSlice(line, window, sink, slice, intervals);
+        repeated = slice.repeated;
+        work.done += slice.done + repeated;
+        if (outcome != throughput::Outcome::Unfinished || work.done >= work.allowed)
+            return outcome;
         if (sink)
             sink->restart();
         // A mutex that is taken again at once is not given to who waits for it.
@@ -150,22 +148,20 @@ bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, 
     }
 }
 
-bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::Work &work)
+} // namespace
+
+bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::PointSink *sink)
 {
     if (line.isExporting())
-        return true;
-    quint64 intervals = 0;
-    quint64 repeated = 0;
-    while (work.done < work.allowed) {
-        throughput::Work slice;
-        slice.allowed = std::max(std::min(sliceWork(intervals, 0), work.allowed - work.done), 2 * repeated);
-        if (evaluateSlice(line, window, nullptr, slice, intervals) != throughput::Outcome::Unfinished)
-            return true;
-        work.done += slice.done + slice.repeated;
-        repeated = slice.repeated;
-        QThread::usleep(captureTurn);
-    }
-    return false;
+        return false;
+    throughput::Work unlimited;
+    return evaluateInSlices(line, window, sink, unlimited) == throughput::Outcome::Processed;
+}
+
+bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::Work &work)
+{
+    return line.isExporting() ||
+           evaluateInSlices(line, window, nullptr, work) != throughput::Outcome::Unfinished;
 }
 
 } // namespace measurement
