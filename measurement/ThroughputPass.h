@@ -47,6 +47,8 @@ private:
 
     void addOutlined(const Frame &frame);
     void addPoints(const Frame &frame, quint64 due);
+    static std::size_t blockOf(const Frame &frame, std::size_t first, quint64 due);
+    static void extendByBlock(const FrameOutline &outline, std::size_t block, Segment &segment);
     std::size_t addBlockPoints(const Frame &frame, std::size_t block, quint64 &due, Segment &segment,
                                double &level, double &framePeak);
     quint64 nextPointTicks(const Frame &frame) const;

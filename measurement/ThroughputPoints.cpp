@@ -2,6 +2,8 @@
 #include "measurement/ThroughputPass.h"
 
 #include <algorithm>
+#include <functional>
+#include <ranges>
 
 /// The half of the pass that turns speeds and levels into statistics and points.
 namespace measurement::throughput {
@@ -99,18 +101,51 @@ void Pass::addPoints(const Frame &frame, quint64 due)
     const FrameOutline &outline = *frame.outline;
     Segment segment;
     double framePeak = 0.0;
-    for (std::size_t block = 0; block < outline.blocks(); ++block) {
+    std::size_t block = 0;
+    while (block < outline.blocks()) {
+        const std::size_t next = due == never ? outline.blocks() : blockOf(frame, block, due);
+        for (; block < next; ++block)
+            extendByBlock(outline, block, segment);
+        if (block == outline.blocks())
+            break;
         double level = outline.blockStart(block);
         const std::size_t done = addBlockPoints(frame, block, due, segment, level, framePeak);
         const std::size_t size = outline.blockSize(block);
-        if (done > 0 && done < size) {
+        if (done == 0)
+            extendByBlock(outline, block, segment);
+        else if (done < size)
             extendSegment(outline, outline.blockStamps(block) + done, size - done, segment, level);
-        } else if (done == 0) {
-            segment.longest = std::max<quint64>(segment.longest, outline.block(block).extrema.longest);
-            segment.peak = std::max(segment.peak, outline.blockPeak(block));
-        }
+        ++block;
     }
     m_pointLongest = std::max(m_pointLongest, segment.longest);
+}
+
+/// The block in which the interval ends that yields the next point. It looks at
+/// few stamps: those of a long frame are seldom in the processor's cache.
+/// \param first the block to begin with; none before it reaches \p due
+/// \param due from nextPointTicks(), not `never`
+std::size_t Pass::blockOf(const Frame &frame, std::size_t first, quint64 due)
+{
+    const FrameOutline &outline = *frame.outline;
+    const quint64 origin = frame.stamps[0];
+    const auto reaches = [&](std::size_t block) {
+        return outline.blockStamps(block)[outline.blockSize(block)] - origin >= due;
+    };
+    const std::size_t last = outline.blocks() - 1;
+    const double start = static_cast<double>(*outline.blockStamps(first) - origin);
+    const double length = static_cast<double>(frame.stamps[frame.count - 1] - origin) - start;
+    const double share = std::clamp((static_cast<double>(due) - start) / length, 0.0, 1.0);
+    const std::size_t guess = first + static_cast<std::size_t>(share * static_cast<double>(last - first));
+
+    std::size_t from = guess;
+    for (std::size_t step = 1; from > first && reaches(from - 1); step *= 2)
+        from -= std::min(step, from - first);
+    std::size_t to = guess;
+    for (std::size_t step = 1; to < last && !reaches(to); step *= 2)
+        to += std::min(step, last - to);
+    const auto candidates = std::views::iota(from, to);
+    return from + static_cast<std::size_t>(std::ranges::partition_point(candidates, std::not_fn(reaches)) -
+                                           candidates.begin());
 }
 
 /// Adds the points that lie inside one block.
@@ -143,6 +178,13 @@ std::size_t Pass::addBlockPoints(const Frame &frame, std::size_t block, quint64 
         due = nextPointTicks(frame);
     }
     return done;
+}
+
+/// Adds a block in which no point lies.
+void Pass::extendByBlock(const FrameOutline &outline, std::size_t block, Segment &segment)
+{
+    segment.longest = std::max<quint64>(segment.longest, outline.block(block).extrema.longest);
+    segment.peak = std::max(segment.peak, outline.blockPeak(block));
 }
 
 /// Adds intervals of one block to the segment and moves the level over them.

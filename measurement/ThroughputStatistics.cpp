@@ -129,12 +129,13 @@ throughput::Outcome evaluateInSlices(CxCameraLineData &line, const ThroughputWin
 {
     quint64 intervals = 0;
     quint64 repeated = 0;
+    const quint64 before = work.done; // for other cameras
     for (;;) {
         // A level that meets neither end of the buffer has to be followed anew
         // through everything whenever the capture drops the oldest frame. It
         // must not go on for ever.
         throughput::Work slice;
-        if (work.done <= 2 * intervals)
+        if (work.done - before <= 2 * intervals)
             slice.allowed = sliceWork(intervals, repeated);
         const throughput::Outcome outcome = evaluateSlice(line, window, sink, slice, intervals);
         repeated = slice.repeated;

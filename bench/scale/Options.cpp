@@ -49,15 +49,18 @@ Options parseOptions(const QStringList &arguments)
     add("capacity", "of each camera's records, which are full from the start; 10000000", "SAMPLES");
     add("period", "distance of two samples; 1024", "BYTES");
     add("view", "width of the time axis, 0 for all records; 20", "SECONDS");
-    add("poll", "pause between two tries, 0 for none, which takes a processor; 20, with --holds 0",
+    add("poll",
+        "pause between two tries, 0 for none, which takes a processor; 20, "
+        "with --holds and --edit 0",
         "MICROSECONDS");
     parser.process(arguments);
 
     Options options;
+    if (parser.isSet(QStringLiteral("holds")) || parser.isSet(QStringLiteral("edit")))
+        options.pollMicroseconds = 0; // pauses hide the moments in which a mutex is free
     if (parser.isSet(QStringLiteral("holds"))) {
         options.cameras = 2;
         options.seconds = 60.0;
-        options.pollMicroseconds = 0; // pauses hide the moments in which a mutex is free
     }
     if (parser.isSet(QStringLiteral("edit"))) {
         options.run = Options::Run::Edit;

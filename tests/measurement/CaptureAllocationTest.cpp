@@ -9,8 +9,9 @@ namespace {
 using Line = CxCameraLineData;
 
 constexpr unsigned int interval = 8;
-constexpr int samples = 256; // two blocks of intervals
-constexpr int chunk = 2048;  // records of the list
+constexpr int samples = 256;      // two blocks of intervals
+constexpr int manySamples = 1024; // from here on the capture follows the level
+constexpr int chunk = 2048;       // records of the list
 
 void ignoreLog(QtMsgType, const QMessageLogContext &, const QString &) {}
 
@@ -18,14 +19,14 @@ void ignoreLog(QtMsgType, const QMessageLogContext &, const QString &) {}
 class Capture
 {
 public:
-    explicit Capture(void (Line::*loop)())
+    explicit Capture(void (Line::*loop)(), int stampCount = samples)
         : m_loop(loop)
     {
         // Stamps with which the level of the buffer rises.
-        std::vector<unsigned long long> stamps(samples);
+        std::vector<unsigned long long> stamps(static_cast<std::size_t>(stampCount));
         for (std::size_t i = 0; i < stamps.size(); ++i)
             stamps[i] = 100000 + 9 * i;
-        m_host.setFrame(samples * 4, 1, 0, interval, stamps);
+        m_host.setFrame(stampCount * 4, 1, 0, interval, stamps);
         line.cameraHandle = &m_host;
         line.sampleInterval = interval;
         line.avgTransportSpeedMBps = 400;
@@ -70,11 +71,12 @@ private Q_SLOTS:
 /// The record and its samples, with what is kept of them.
 void CaptureAllocationTest::fullListOfFrames()
 {
-    Capture capture(&Line::runMeasureLoopThrougput);
-    capture.line.maxSamples = samples * 20;
+    Capture capture(&Line::runMeasureLoopThrougput, manySamples);
+    capture.line.maxSamples = manySamples * 20;
     capture.over(3 * chunk);
     QCOMPARE(capture.line.frames.size(), 21);
     QVERIFY(capture.line.frames.first()->outline.isPlain());
+    QVERIFY(capture.line.frames.first()->outline.peak() > 0.0);
     const long few = capture.over(100);
     QCOMPARE(capture.over(5100) - few, 2L * 5000);
 }
