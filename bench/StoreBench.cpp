@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <deque>
 #include <limits>
 #include <vector>
 
@@ -104,9 +105,24 @@ template <typename List> void full(benchmark::State &state)
 
 using RecordList = measurement::RecordList<Record>;
 
+/// The standard library's queue, under the names of QList.
+class Deque : public std::deque<Record *>
+{
+public:
+    void append(Record *record) { push_back(record); }
+    Record *takeFirst()
+    {
+        Record *const record = front();
+        pop_front();
+        return record;
+    }
+};
+
 BENCHMARK_TEMPLATE(growing, RecordList)->Name("store/growing/list")->UseManualTime()->Iterations(1);
 BENCHMARK_TEMPLATE(growing, QList<Record *>)->Name("store/growing/QList")->UseManualTime()->Iterations(1);
+BENCHMARK_TEMPLATE(growing, Deque)->Name("store/growing/deque")->UseManualTime()->Iterations(1);
 BENCHMARK_TEMPLATE(full, RecordList)->Name("store/full/list")->UseManualTime()->Iterations(1);
 BENCHMARK_TEMPLATE(full, QList<Record *>)->Name("store/full/QList")->UseManualTime()->Iterations(1);
+BENCHMARK_TEMPLATE(full, Deque)->Name("store/full/deque")->UseManualTime()->Iterations(1);
 
 } // namespace
