@@ -2,6 +2,7 @@
 // Expected values come from the scenario's numbers alone, or from the link's
 // exact rate over time; nothing of the engine's arithmetic is used for them.
 
+#include "host/core/simulation/Scenario.h"
 #include "tests/integration/SimulatedRig.h"
 
 #include <QtTest>
@@ -114,6 +115,7 @@ class GroundTruthTest : public QObject
 private Q_SLOTS:
     void statistics_data();
     void statistics();
+    void readyStallsRunOver();
 };
 
 void GroundTruthTest::statistics_data()
@@ -210,6 +212,19 @@ void GroundTruthTest::statistics()
     QVERIFY(near("highest level, bytes", levelBytes, truth.maxLevelBytes,
                  std::max(0.01 * truth.maxLevelBytes, double(sampleInterval))));
     QCOMPARE(line.bufferOverflowCount, truth.overflows);
+}
+
+/// Each standstill of the ready scenario falls into a frame: between two of them
+/// no stamp would tell of it.
+void GroundTruthTest::readyStallsRunOver()
+{
+    const host::Scenario scenario = *host::builtinScenario("long-stall-overflow").scenario;
+    SimulatedRig rig(scenario.cameras.front());
+    QVERIFY(rig.measure(3.05, sampleInterval));
+    QVERIFY(rig.calculateStatistics(false));
+    QCOMPARE(rig.line().bufferOverflowCount, Q_UINT64_C(3));
+    QCOMPARE(rig.line().maxBufferLevel, 100.0);
+    QVERIFY(rig.line().minThroughput < 1.0);
 }
 
 QTEST_GUILESS_MAIN(GroundTruthTest)
