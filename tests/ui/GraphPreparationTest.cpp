@@ -75,7 +75,8 @@ void GraphPreparationTest::init()
     m_cameras->rig.loadSettings({{"DTGTSamplePeriod", 8}, {"DTGTMaxSamples", 100000000}});
     m_cameras->host.setImageSource((*m_cameras)[0], LargeFrames());
     m_cameras->liveGraph()->setChecked(false);
-    m_cameras->showTime(0.0, 3.0);
+    // The axis follows the time: frames stay in view however long they take.
+    m_cameras->showTime(-15.0, 3.0);
 }
 
 void GraphPreparationTest::record(int frames)
