@@ -34,7 +34,9 @@ add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS)
 add_link_options(-Wl,-z,defs -Wl,--as-needed)
 
 if(VELMORA_SANITIZE)
-    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    # Conversions of doubles out of range are undefined, but not part of `undefined`.
+    add_compile_options(-fsanitize=address,undefined,float-cast-overflow
+        -fno-sanitize-recover=undefined,float-cast-overflow -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
 endif()
 if(VELMORA_RACE_CHECK)

@@ -31,6 +31,10 @@ public:
     int size() const { return static_cast<int>(m_size); }
     bool isEmpty() const { return m_size == 0; }
 
+    /// Records taken since the list was made or cleared: added to the index of a
+    /// record, a number that stays the same as long as the record is in the list.
+    std::size_t taken() const { return m_first; }
+
     Record *const &at(int index) const { return place(m_first + static_cast<std::size_t>(index)); }
     Record *const &operator[](int index) const { return at(index); }
     Record *const &first() const { return at(0); }

@@ -3,6 +3,8 @@
 #include "measurement/CameraLineData.h"
 #include "measurement/ThroughputModel.h"
 
+#include <limits>
+
 namespace measurement {
 
 /// What a pass over an engine's records looks at; see CxCameraLineData.
@@ -23,10 +25,18 @@ struct ThroughputWindow
 /// \return whether at least one frame was processed; false during an export
 bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::PointSink *sink);
 
+/// Work on the records of some cameras, in intervals.
+struct Preparation
+{
+    quint64 allowed = std::numeric_limits<quint64>::max();
+    quint64 done = 0;      ///< so far, for all of them
+    quint64 intervals = 0; ///< in the windows that were looked at, whether they need work or not
+};
+
 /// Does some of the work that a pass over the same window would have to do
 /// first, with the engine's mutex held for a few milliseconds at a time. The
 /// engine's results are those of the window once none is left.
 /// \return whether no work is left
-bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::Work &work);
+bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, Preparation &preparation);
 
 } // namespace measurement

@@ -22,21 +22,35 @@ qint64 marginOf(const Settings &settings)
     return width;
 }
 
+/// From there on frames take no part.
+qint64 endOf(const Settings &settings)
+{
+    return addSaturated(settings.to, marginOf(settings));
+}
+
 } // namespace
 
 FrameRange selectFrames(const FrameSource &frames, const Settings &settings)
 {
-    const qint64 margin = marginOf(settings);
-    const qint64 earliest = subtractSaturated(settings.from, margin);
-    const qint64 end = addSaturated(settings.to, margin);
+    const qint64 earliest = subtractSaturated(settings.from, marginOf(settings));
     const std::size_t size = frames.size();
 
-    FrameRange range;
+    std::size_t begin = 0;
+    while (begin < size && frames.at(begin).timestamp < earliest)
+        ++begin;
+    FrameRange range = selectSome(frames, settings, begin, size);
     if (size > 0)
-        range.intervals = intervalsOf(frames.at(0));
-    while (range.begin < size && frames.at(range.begin).timestamp < earliest)
-        ++range.begin;
-    for (range.end = range.begin; range.end < size; ++range.end) {
+        range.intervals = std::max(range.intervals, intervalsOf(frames.at(0)));
+    return range;
+}
+
+FrameRange selectSome(const FrameSource &frames, const Settings &settings, std::size_t begin,
+                      std::size_t most)
+{
+    const qint64 end = endOf(settings);
+    const std::size_t size = frames.size();
+    FrameRange range = {begin, begin, 0};
+    for (; range.end < size && range.end - begin < most; ++range.end) {
         const Frame frame = frames.at(range.end);
         if (frame.timestamp >= end)
             break;
@@ -51,6 +65,13 @@ Outcome evaluate(const FrameSource &frames, const FrameRange &range, const Setti
 {
     Work unlimited;
     return Pass(frames, range, settings, scratch, sink, statistics, kernels, work ? *work : unlimited).run();
+}
+
+void continueWork(const FrameSource &frames, const FrameRange &range, const Settings &settings,
+                  const Scratch &scratch, Work &work, const Kernels &kernels)
+{
+    Statistics ignored;
+    Pass(frames, range, settings, scratch, nullptr, ignored, kernels, work).continueWork();
 }
 
 unsigned int frameSpeeds(const quint64 *stamps, quint64 count, quint32 sampleInterval, qint32 requiredMBps,

@@ -73,6 +73,11 @@ struct FrameRange
 
 FrameRange selectFrames(const FrameSource &frames, const Settings &settings);
 
+/// Some of the frames that selectFrames() selects.
+/// \param begin the first of them
+FrameRange selectSome(const FrameSource &frames, const Settings &settings, std::size_t begin,
+                      std::size_t most);
+
 /// Working memory of a pass: three arrays of `capacity` elements, at least
 /// FrameRange::intervals.
 struct Scratch
@@ -97,12 +102,22 @@ enum class Outcome {
     Unfinished, ///< there was more work than allowed; the statistics mean nothing
 };
 
+/// How far a pass has come.
+struct Progress
+{
+    std::size_t frame = 0; ///< the next one
+    double level = 0.0;    ///< bytes, at the end of the frame before
+    double rate = 0.0;     ///< mean rate of the frame before, MB/s
+    qint64 lastTime = 0;   ///< end of the frame before, microseconds; 0: nothing to drain from
+};
+
 /// Intervals that a pass has to look at because outlines do not tell of them.
 struct Work
 {
     quint64 allowed = std::numeric_limits<quint64>::max();
     quint64 done = 0;     ///< more than allowed by up to a frame of its own and one of guesses
     quint64 repeated = 0; ///< intervals that every pass has to look at, not counted as done
+    Progress progress;    ///< of a pass that had more to do than allowed
 };
 
 /// Walks the selected frames. Every statistic and point has exactly the bits
@@ -119,6 +134,13 @@ struct Work
 Outcome evaluate(const FrameSource &frames, const FrameRange &range, const Settings &settings,
                  const Scratch &scratch, PointSink *sink, Statistics &statistics,
                  const Kernels &kernels = bestKernels(), Work *work = nullptr);
+
+/// Does the work of an unfinished pass on some more frames, without a walk over
+/// those before them.
+/// \param range from Work::progress on
+/// \param work `progress` in and out; repeated intervals count as done here
+void continueWork(const FrameSource &frames, const FrameRange &range, const Settings &settings,
+                  const Scratch &scratch, Work &work, const Kernels &kernels = bestKernels());
 
 /// Speed, buffer change and end time of each interval of one frame; intervals
 /// between equal stamps are left out.

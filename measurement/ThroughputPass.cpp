@@ -53,8 +53,10 @@ Outcome Pass::run()
     m_statistics.minThroughput = std::numeric_limits<double>::max();
 
     for (std::size_t index = m_range.begin; index < m_range.end; ++index) {
-        if (m_work.done >= m_work.allowed)
+        if (m_work.done >= m_work.allowed) {
+            keepProgress(index);
             return Outcome::Unfinished;
+        }
         addNext(index);
     }
     if (m_frameCount == 0)
@@ -64,6 +66,22 @@ Outcome Pass::run()
     m_statistics.maxBufferLevel = std::max(m_peakPercent, percentOf(m_peak));
     m_statistics.avgThroughput = m_rateSum / static_cast<double>(m_frameCount);
     return Outcome::Processed;
+}
+
+void Pass::continueWork()
+{
+    m_level = m_work.progress.level;
+    m_rate = m_work.progress.rate;
+    m_lastTime = m_work.progress.lastTime;
+    std::size_t index = m_range.begin;
+    for (; index < m_range.end && m_work.done + m_work.repeated < m_work.allowed; ++index)
+        addNext(index);
+    keepProgress(index);
+}
+
+void Pass::keepProgress(std::size_t next)
+{
+    m_work.progress = {next, m_level, m_rate, m_lastTime};
 }
 
 void Pass::addNext(std::size_t index)

@@ -27,6 +27,10 @@ public:
 
     Outcome run();
 
+    /// From Work::progress to the range's end, or to that of what is allowed. No
+    /// statistics, no points.
+    void continueWork();
+
 private:
     /// The part of a frame since its last point.
     struct Segment
@@ -35,6 +39,7 @@ private:
         double peak = 0.0;   ///< bytes
     };
 
+    void keepProgress(std::size_t next);
     void addNext(std::size_t index);
     void drain(qint64 timestamp);
     void countFrame(const Frame &frame);

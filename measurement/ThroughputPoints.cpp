@@ -132,9 +132,10 @@ std::size_t Pass::blockOf(const Frame &frame, std::size_t first, quint64 due)
         return outline.blockStamps(block)[outline.blockSize(block)] - origin >= due;
     };
     const std::size_t last = outline.blocks() - 1;
-    const double start = static_cast<double>(*outline.blockStamps(first) - origin);
-    const double length = static_cast<double>(frame.stamps[frame.count - 1] - origin) - start;
-    const double share = std::clamp((static_cast<double>(due) - start) / length, 0.0, 1.0);
+    // Whole ticks: from 2^53 on, doubles of different ticks may be the same.
+    const quint64 start = *outline.blockStamps(first) - origin;
+    const quint64 length = frame.stamps[frame.count - 1] - origin - start;
+    const double share = std::min(static_cast<double>(due - start) / static_cast<double>(length), 1.0);
     const std::size_t guess = first + static_cast<std::size_t>(share * static_cast<double>(last - first));
 
     std::size_t from = guess;

@@ -63,16 +63,12 @@ throughput::Settings settingsOf(const CxCameraLineData &line, const ThroughputWi
     return settings;
 }
 
-/// Intervals that are looked at in one hold of the mutex: a few milliseconds of
-/// work, for which a camera's driver has buffers. Each hold also walks over the
-/// frames that need no work any more, so a long recording gets fewer of them; and
-/// fewer still where that walk looks at intervals itself.
-quint64 sliceWork(quint64 intervals, quint64 repeated)
-{
-    constexpr quint64 least = Q_UINT64_C(1) << 19;
-    constexpr quint64 most = Q_UINT64_C(1) << 21;
-    return std::max(std::min(std::max(intervals / 64, least), most), 2 * repeated);
-}
+/// Intervals that are looked at in one hold of the mutex: one to four milliseconds
+/// of work, for which a camera's driver has buffers.
+constexpr quint64 sliceWork = Q_UINT64_C(1) << 19;
+
+/// Frames that need no work any more are passed by as many at a time.
+constexpr std::size_t sliceFrames = 1024;
 
 /// Microseconds in which a waiting capture can take the mutex.
 constexpr unsigned long captureTurn = 50;
@@ -89,9 +85,22 @@ bool provideScratch(CxCameraLineData &line, quint64 intervals)
     return line.AllocateBuffers(static_cast<unsigned int>(intervals)) && line.calcBufSize >= intervals;
 }
 
-/// One pass with the mutex held, or as much of it as `work` allows.
+/// What is done of a pass in one hold of the mutex.
+struct Slice
+{
+    throughput::Work work;
+    quint64 intervals = 0; ///< of the frames in the window
+    std::size_t taken = 0; ///< records of the list to which `work.progress` belongs
+};
+
+throughput::Scratch scratchOf(const CxCameraLineData &line)
+{
+    return {line.linkSpeedBuf, line.bufferDeltaBuf, line.sampleTimeBuf, line.calcBufSize};
+}
+
+/// One pass with the mutex held, or as much of it as the slice allows.
 throughput::Outcome evaluateSlice(CxCameraLineData &line, const ThroughputWindow &window,
-                                  throughput::PointSink *sink, throughput::Work &work, quint64 &intervals)
+                                  throughput::PointSink *sink, Slice &slice)
 {
     const QMutexLocker locker(&line.mutex);
     if (line.frames.isEmpty())
@@ -100,19 +109,18 @@ throughput::Outcome evaluateSlice(CxCameraLineData &line, const ThroughputWindow
     const RecordedFrames frames(line.frames, window.origin);
     const throughput::Settings settings = settingsOf(line, window);
     const throughput::FrameRange range = throughput::selectFrames(frames, settings);
-    intervals = range.intervals * (range.end - range.begin);
+    slice.intervals = range.intervals * (range.end - range.begin);
+    slice.taken = line.frames.taken();
     if (!provideScratch(line, range.intervals)) {
         cxLogFailure("CxCameraLineData::calculateGraphsThrougput",
                      "Failed to allocate temporary buffers for internal calculations");
         return throughput::Outcome::Nothing;
     }
 
-    const throughput::Scratch scratch = {line.linkSpeedBuf, line.bufferDeltaBuf, line.sampleTimeBuf,
-                                         line.calcBufSize};
     throughput::Statistics statistics = {line.avgThroughput, line.minThroughput, line.maxBufferLevel,
                                          line.bufferOverflowCount};
-    const throughput::Outcome outcome = throughput::evaluate(frames, range, settings, scratch, sink,
-                                                             statistics, throughput::bestKernels(), &work);
+    const throughput::Outcome outcome = throughput::evaluate(
+        frames, range, settings, scratchOf(line), sink, statistics, throughput::bestKernels(), &slice.work);
     if (outcome == throughput::Outcome::Unfinished)
         return outcome;
     line.avgThroughput = statistics.avgThroughput;
@@ -122,29 +130,64 @@ throughput::Outcome evaluateSlice(CxCameraLineData &line, const ThroughputWindow
     return outcome;
 }
 
+/// Goes on with the work where a slice has stopped. The capture may have added
+/// frames and taken the oldest: what is found out may be of no use then, but what
+/// a pass makes of it is right all the same.
+/// \return whether there are frames left
+bool continueSlice(CxCameraLineData &line, const ThroughputWindow &window, Slice &slice)
+{
+    const QMutexLocker locker(&line.mutex);
+    throughput::Work work;
+    work.allowed = sliceWork;
+    const std::size_t takenSince = line.frames.taken() - slice.taken;
+    if (takenSince <= slice.work.progress.frame) {
+        work.progress = slice.work.progress;
+        work.progress.frame -= takenSince;
+    }
+    slice = {work, slice.intervals, line.frames.taken()};
+
+    const RecordedFrames frames(line.frames, window.origin);
+    const throughput::Settings settings = settingsOf(line, window);
+    const throughput::FrameRange range =
+        throughput::selectSome(frames, settings, work.progress.frame, sliceFrames);
+    if (range.begin == range.end || !provideScratch(line, std::max(range.intervals, line.calcBufSize)))
+        return false;
+    throughput::continueWork(frames, range, settings, scratchOf(line), slice.work);
+    return true;
+}
+
 /// A pass in as many holds of the mutex as it takes, unless that is more work
 /// than allowed.
 throughput::Outcome evaluateInSlices(CxCameraLineData &line, const ThroughputWindow &window,
-                                     throughput::PointSink *sink, throughput::Work &work)
+                                     throughput::PointSink *sink, Preparation &preparation)
 {
+    const quint64 before = preparation.done; // for other cameras
     quint64 intervals = 0;
-    quint64 repeated = 0;
-    const quint64 before = work.done; // for other cameras
+    // A level that meets neither end of the buffer has to be followed anew
+    // through everything whenever the capture drops the oldest frame. It must
+    // not go on for ever.
+    const auto isWorthSlices = [&] { return preparation.done - before <= 3 * intervals; };
     for (;;) {
-        // A level that meets neither end of the buffer has to be followed anew
-        // through everything whenever the capture drops the oldest frame. It
-        // must not go on for ever.
-        throughput::Work slice;
-        if (work.done - before <= 2 * intervals)
-            slice.allowed = sliceWork(intervals, repeated);
-        const throughput::Outcome outcome = evaluateSlice(line, window, sink, slice, intervals);
-        repeated = slice.repeated;
-        work.done += slice.done + repeated;
-        if (outcome != throughput::Outcome::Unfinished || work.done >= work.allowed)
+        Slice slice;
+        if (isWorthSlices())
+            slice.work.allowed = sliceWork;
+        const throughput::Outcome outcome = evaluateSlice(line, window, sink, slice);
+        preparation.intervals += slice.intervals - intervals;
+        intervals = slice.intervals;
+        preparation.done += slice.work.done + slice.work.repeated;
+        if (outcome != throughput::Outcome::Unfinished)
             return outcome;
         if (sink)
             sink->restart();
-        // A mutex that is taken again at once is not given to who waits for it.
+        bool isAtEnd = false;
+        while (!isAtEnd && isWorthSlices() && preparation.done < preparation.allowed) {
+            // A mutex that is taken again at once is not given to who waits for it.
+            QThread::usleep(captureTurn);
+            isAtEnd = !continueSlice(line, window, slice);
+            preparation.done += slice.work.done + slice.work.repeated;
+        }
+        if (preparation.done >= preparation.allowed)
+            return outcome;
         QThread::usleep(captureTurn);
     }
 }
@@ -155,14 +198,14 @@ bool evaluateThroughput(CxCameraLineData &line, const ThroughputWindow &window, 
 {
     if (line.isExporting())
         return false;
-    throughput::Work unlimited;
+    Preparation unlimited;
     return evaluateInSlices(line, window, sink, unlimited) == throughput::Outcome::Processed;
 }
 
-bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, throughput::Work &work)
+bool prepareThroughput(CxCameraLineData &line, const ThroughputWindow &window, Preparation &preparation)
 {
     return line.isExporting() ||
-           evaluateInSlices(line, window, nullptr, work) != throughput::Outcome::Unfinished;
+           evaluateInSlices(line, window, nullptr, preparation) != throughput::Outcome::Unfinished;
 }
 
 } // namespace measurement

@@ -41,6 +41,7 @@ void CxDataGraphForm::onEditCamTransportChanged(const QString &text)
         return;
     cameraSettings::store(*line, &CxCameraLineData::avgTransportSpeedMBps,
                           static_cast<unsigned int>(text.toInt()));
+    m_preparedWork = 0;
 }
 
 void CxDataGraphForm::onChkCamAutoInternalBuffer(bool state)
@@ -72,6 +73,7 @@ void CxDataGraphForm::onEditCamInternalBufferChanged(const QString &text)
     const auto bytes = static_cast<qint32>(static_cast<quint32>(text.toInt()) * 1000U);
     cameraSettings::store(*line, &CxCameraLineData::internalBuffSize,
                           static_cast<quint64>(static_cast<qint64>(bytes)));
+    m_preparedWork = 0;
 }
 
 void CxDataGraphForm::UpdateCameraAutoTransport(void *hCam)

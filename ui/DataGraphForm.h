@@ -204,7 +204,7 @@ private:
     double m_timeRangeLower = -20.0; ///< seconds from m_timeOrigin
     double m_timeRangeUpper = 0.0;
     qint64 m_timeOrigin = 0;                 ///< microseconds of the day; stands still while nothing measures
-    int m_pieces = 0;                        ///< done so far of what a refresh needs
+    quint64 m_preparedWork = 0;              ///< done so far of what a refresh needs, in samples
     std::optional<Refresh> m_pendingRefresh; ///< to be called again when the events are done
     QMutex m_mutex;                          ///< held for a whole refresh and a change of the plotted cameras
 };

@@ -13,36 +13,34 @@
 
 namespace {
 
-/// Samples in one piece: some 20 milliseconds.
+/// Samples in one piece: 20 to 90 milliseconds.
 constexpr quint64 pieceWork = 16000000;
 
-/// Pieces after which a refresh is completed in any case. Where the capture drops
-/// the oldest frame between any two of them, the level may have to be followed
-/// anew from there each time.
-constexpr int mostPieces = 300;
+/// Where the capture drops the oldest frame between any two pieces, the level may
+/// have to be followed anew from there each time. A refresh that has taken the
+/// work of so many is completed in any case.
+constexpr quint64 mostRounds = 3;
 
 } // namespace
 
 bool CxDataGraphForm::isPrepared(const QList<void *> &cameras, Refresh refresh)
 {
-    if (m_measureMode != MeasureModeThroughput || m_pieces >= mostPieces) {
-        m_pieces = 0;
+    if (m_measureMode != MeasureModeThroughput)
         return true;
-    }
     measurement::ThroughputWindow window;
     GetTimeAxisRange(&window.from, &window.to);
     window.origin = m_timestampOrigin;
     window.resetBufferLevel = m_resetBufferLevel;
-    measurement::throughput::Work work;
-    work.allowed = pieceWork;
+    measurement::Preparation piece;
+    piece.allowed = pieceWork;
     const bool prepared = std::all_of(cameras.cbegin(), cameras.cend(), [&](void *hCam) {
-        return measurement::prepareThroughput(*m_cameraLines.value(hCam), window, work);
+        return measurement::prepareThroughput(*m_cameraLines.value(hCam), window, piece);
     });
-    if (prepared) {
-        m_pieces = 0;
+    m_preparedWork += piece.done;
+    if (prepared || m_preparedWork > mostRounds * piece.intervals + pieceWork) {
+        m_preparedWork = 0;
         return true;
     }
-    ++m_pieces;
     continueRefresh(refresh);
     return false;
 }

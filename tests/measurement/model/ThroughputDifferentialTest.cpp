@@ -142,6 +142,7 @@ private Q_SLOTS:
     void longRecording_data();
     void longRecording();
     void stampsPastTheirRange();
+    void stampsCloserThanDoublesTell();
     void coverage();
 
 private:
@@ -252,6 +253,38 @@ void ThroughputDifferentialTest::stampsPastTheirRange()
     QCOMPARE(difference(expected, runModel(drawn, bestKernels())), QString());
     drawn.recording.addOutlines();
     QCOMPARE(difference(expected, runModel(drawn, bestKernels())), QString());
+}
+
+/// A first block so long that the rest of the frame ends with it, as far as
+/// doubles can tell, and a point in both.
+void ThroughputDifferentialTest::stampsCloserThanDoublesTell()
+{
+    std::vector<quint64> stamps = {0};
+    for (int i = 0; i < 127; ++i)
+        stamps.push_back(stamps.back() + (Q_UINT64_C(1) << 52) - 1);
+    // A whole microsecond, not halfway between doubles, which are 64 apart here.
+    const quint64 last = (stamps.back() + (Q_UINT64_C(1) << 51)) / 16000 * 16000 + 3000;
+    for (quint64 stamp = last - 1; stamp <= last + 1; ++stamp)
+        stamps.push_back(stamp);
+    RandomCase drawn;
+    drawn.recording.append(1000, stamps);
+    drawn.recording.addOutlines();
+    drawn.settings.sampleInterval = 4096;
+    drawn.settings.requiredMBps = 400;
+    drawn.settings.bufferSize = 1000000;
+    drawn.settings.meanSpan = 1e17;
+    drawn.settings.to = 1000 + static_cast<qint64>(last / 250);
+    int tried = 0;
+    for (std::size_t first = 40; first < 128; ++first) {
+        const auto spacing = static_cast<qint64>(last / 250 - stamps[first] / 250) - 1;
+        drawn.settings.from = 1000 + static_cast<qint64>(stamps[first] / 250);
+        drawn.settings.msPerPixel = static_cast<double>(spacing) / 1000.0;
+        tried += static_cast<qint64>(drawn.settings.msPerPixel * 1000.0) == spacing;
+        const Seen expected = runReference(drawn);
+        QVERIFY(!expected.sink.points.empty());
+        QCOMPARE(difference(expected, runModel(drawn, bestKernels())), QString());
+    }
+    QVERIFY(tried > 0);
 }
 
 /// The random cases must not agree by being empty.

@@ -6,15 +6,16 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <thread>
 
 namespace {
 
 constexpr int frameCount = 300;
 constexpr int samples = 10001;
+constexpr qint64 period = 200000; // microseconds from frame to frame
 
-const measurement::ThroughputWindow everything = {0, qint64{frameCount} * 200000, TimestampOriginCamera, 0.0,
-                                                  false};
+const measurement::ThroughputWindow everything = {0, frameCount *period, TimestampOriginCamera, 0.0, false};
 
 /// Three million intervals, which a pass does not follow in one hold of the mutex.
 void fill(RecordedLine &recorded)
@@ -23,7 +24,7 @@ void fill(RecordedLine &recorded)
     for (std::size_t i = 0; i < stamps.size(); ++i)
         stamps[i] = 2500 * i;
     for (int i = 0; i < frameCount; ++i)
-        recorded.addFrameOfTicks(qint64{i} * 200000, stamps);
+        recorded.addFrameOfTicks(i * period, stamps);
 }
 
 /// Does what the capture does with the mutex, beside a pass: takes it whenever it
@@ -85,6 +86,7 @@ private Q_SLOTS:
     void preparation();
     void preparationAfterAnotherCamera();
     void littleAtATime();
+    void recordsComeAndGoMeanwhile();
 
 private:
     static bool isSeen(RecordedLine &recorded, const std::function<void()> &pass);
@@ -122,7 +124,7 @@ void ThroughputSlicesTest::preparation()
     RecordedLine recorded;
     fill(recorded);
     QVERIFY(isSeen(recorded, [&] {
-        measurement::throughput::Work work;
+        measurement::Preparation work;
         QVERIFY(measurement::prepareThroughput(recorded.line, everything, work));
     }));
 }
@@ -135,7 +137,7 @@ void ThroughputSlicesTest::preparationAfterAnotherCamera()
     fill(recorded);
     QVERIFY(isSeen(recorded, [&] {
         before.line.avgTransportSpeedMBps = recorded.line.avgTransportSpeedMBps;
-        measurement::throughput::Work work;
+        measurement::Preparation work;
         QVERIFY(measurement::prepareThroughput(before.line, everything, work));
         QVERIFY(work.done >= quint64{frameCount} * (samples - 1));
         QVERIFY(measurement::prepareThroughput(recorded.line, everything, work));
@@ -149,7 +151,7 @@ void ThroughputSlicesTest::littleAtATime()
     fill(recorded);
     int turns = 1;
     for (;; ++turns) {
-        measurement::throughput::Work work;
+        measurement::Preparation work;
         work.allowed = 1000000;
         if (measurement::prepareThroughput(recorded.line, everything, work))
             break;
@@ -157,6 +159,38 @@ void ThroughputSlicesTest::littleAtATime()
         QVERIFY(turns < 10);
     }
     QVERIFY(turns > 1);
+}
+
+/// What the work was done for may be gone when the pass is made.
+void ThroughputSlicesTest::recordsComeAndGoMeanwhile()
+{
+    RecordedLine recorded;
+    fill(recorded);
+    CxCameraLineData &line = recorded.line;
+    const std::vector<quint64> stamps(line.frames.first()->samples, line.frames.first()->samples + samples);
+    std::atomic<bool> ended = false;
+    std::thread capture([&] {
+        for (qint64 number = frameCount; !ended; ++number) {
+            std::unique_ptr<CxCameraLineData::CxFrameData> dropped;
+            {
+                const QMutexLocker locker(&line.mutex);
+                recorded.addFrameOfTicks(number * period, stamps);
+                dropped.reset(line.frames.takeFirst());
+            }
+            std::this_thread::yield();
+        }
+    });
+    for (int edit = 0; edit < 20; ++edit) {
+        {
+            const QMutexLocker locker(&line.mutex);
+            line.avgTransportSpeedMBps = 101 + edit % 2;
+        }
+        measurement::evaluateThroughput(line, everything, nullptr);
+    }
+    ended = true;
+    capture.join();
+    QVERIFY(line.frames.first()->cameraTimestamp > 0);
+    recorded.evaluate(0, line.frames.last()->cameraTimestamp + period, 1000.0);
 }
 
 QTEST_APPLESS_MAIN(ThroughputSlicesTest)
