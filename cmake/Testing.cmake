@@ -1,6 +1,6 @@
 # velmora_add_test(NAME SOURCES file... [LIBRARIES target...] [THREADS] [TIMEOUT seconds])
 #
-# One Qt Test executable and its ctest entry. THREADS marks tests in which two
+# One Qt Test executable, whose class is in NAME.cpp, and its ctest entry. THREADS marks tests in which two
 # threads share data: they are the ones the race preset runs, under the checker.
 
 find_program(VALGRIND_PROGRAM valgrind)
@@ -12,6 +12,12 @@ function(velmora_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "THREADS" "TIMEOUT" "SOURCES;LIBRARIES")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE Qt5::Test ${arg_LIBRARIES})
+    # To look for classes in all sources of so many targets takes longer than many a compilation.
+    set_target_properties(${name} PROPERTIES AUTOMOC OFF AUTOUIC OFF)
+    qt5_generate_moc("${CMAKE_CURRENT_SOURCE_DIR}/${name}.cpp" "${CMAKE_CURRENT_BINARY_DIR}/${name}.moc"
+        TARGET ${name})
+    target_sources(${name} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}/${name}.moc")
+    target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}")
     velmora_register_test(${name} COMMAND ${name} TIMEOUT "${arg_TIMEOUT}" THREADS ${arg_THREADS})
 endfunction()
 
