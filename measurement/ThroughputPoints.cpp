@@ -2,8 +2,6 @@
 #include "measurement/ThroughputPass.h"
 
 #include <algorithm>
-#include <functional>
-#include <ranges>
 
 /// The half of the pass that turns speeds and levels into statistics and points.
 namespace measurement::throughput {
@@ -144,9 +142,14 @@ std::size_t Pass::blockOf(const Frame &frame, std::size_t first, quint64 due)
     std::size_t to = guess;
     for (std::size_t step = 1; to < last && !reaches(to); step *= 2)
         to += std::min(step, last - to);
-    const auto candidates = std::views::iota(from, to);
-    return from + static_cast<std::size_t>(std::ranges::partition_point(candidates, std::not_fn(reaches)) -
-                                           candidates.begin());
+    while (from < to) {
+        const std::size_t middle = from + (to - from) / 2;
+        if (reaches(middle))
+            to = middle;
+        else
+            from = middle + 1;
+    }
+    return from;
 }
 
 /// Adds the points that lie inside one block.
