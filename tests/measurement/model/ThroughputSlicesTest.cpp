@@ -87,6 +87,7 @@ private Q_SLOTS:
     void preparationAfterAnotherCamera();
     void littleAtATime();
     void recordsComeAndGoMeanwhile();
+    void framesBeforeAreNotEvaluatedAgain();
 
 private:
     static bool isSeen(RecordedLine &recorded, const std::function<void()> &pass);
@@ -191,6 +192,30 @@ void ThroughputSlicesTest::recordsComeAndGoMeanwhile()
     capture.join();
     QVERIFY(line.frames.first()->cameraTimestamp > 0);
     recorded.evaluate(0, line.frames.last()->cameraTimestamp + period, 1000.0);
+}
+
+/// Frames whose stamps step back are evaluated in every pass, but not in every
+/// slice of one.
+void ThroughputSlicesTest::framesBeforeAreNotEvaluatedAgain()
+{
+    constexpr quint64 backwardFrames = 100;
+    std::vector<quint64> stamps(samples);
+    for (std::size_t i = 0; i < stamps.size(); ++i)
+        stamps[i] = 2500 * (i % 2 == 0 ? i + 2 : i);
+    RecordedLine recorded;
+    for (quint64 i = 0; i < backwardFrames; ++i)
+        recorded.addFrameOfTicks(0, stamps);
+    fill(recorded);
+
+    measurement::Preparation first;
+    QVERIFY(measurement::prepareThroughput(recorded.line, everything, first));
+    recorded.line.avgTransportSpeedMBps += 1;
+    measurement::Preparation work;
+    QVERIFY(measurement::prepareThroughput(recorded.line, everything, work));
+    const quint64 once = backwardFrames * samples;
+    QVERIFY2(work.done >= quint64{frameCount} * (samples - 1) + 2 * once,
+             qPrintable(QString::number(work.done)));
+    QVERIFY2(work.done < quint64{frameCount} * samples + 3 * once, qPrintable(QString::number(work.done)));
 }
 
 QTEST_APPLESS_MAIN(ThroughputSlicesTest)
